@@ -1,0 +1,33 @@
+#include "app/CIndexPage.h"
+
+#include "app/GalleryLayout.h"
+
+CIndexPage::CIndexPage(const std::string& path) : mStream(path) {}
+
+void CIndexPage::WriteHead(const std::string& heading)
+{
+    mStream << "<html><body>\n" << std::endl;
+    mStream << "<center>\n";
+    mStream << "<h2>" << heading << "</h2>\n";
+    mStream << "<table>\n";
+}
+
+void CIndexPage::AddPicture(const std::string& name)
+{
+    if (mCells == 0)
+        mStream << "<tr>\n";
+    mStream << "  <td><a href=\"" << name << "\"><img src=\"" << kThumbFolder << '/' << name
+            << "\"></a><br><font size=2>" << name << "</font></td>\n";
+    if (++mCells == kCellsPerRow) {
+        mStream << "</tr>\n";
+        mCells = 0;
+    }
+}
+
+void CIndexPage::WriteTail()
+{
+    if (mCells != 0)
+        mStream << "</tr>\n";
+    mStream << "</table>\n";
+    mStream << "</body></html>\n" << std::endl;
+}

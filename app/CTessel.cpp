@@ -1,0 +1,34 @@
+#include "app/CTessel.h"
+
+#include <vector>
+
+#include "app/CIndexPage.h"
+#include "util/CFileIO.h"
+
+void CTessel::CreateThumbs(const char* folder)
+{
+    CFileIO files;
+    std::vector<std::string> names;
+    if (!files.ResolveWildCard(folder, kPicturePattern, &names))
+        return;
+
+    const std::string prefix = std::string(folder) + "/";
+    const std::string thumbFolder = prefix + kThumbFolder;
+    const std::string dbase = thumbFolder + "/" + kDbaseFile;
+    CIndexPage page(prefix + kPageFile);
+    files.CreateDir(thumbFolder.c_str());
+    ReadDbase(dbase.c_str());
+
+    const std::string path(folder);
+    page.WriteHead(path.substr(path.rfind('/') + 1));
+    for (const std::string& name : names) {
+        page.AddPicture(name);
+        if (TestFile(folder, name.c_str())) {
+            const std::string source = prefix + name;
+            const std::string target = thumbFolder + "/" + name;
+            MakeThumb(source.c_str(), target.c_str(), mThumbSize);
+        }
+    }
+    page.WriteTail();
+    WriteDbase(dbase.c_str());
+}

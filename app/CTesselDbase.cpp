@@ -1,0 +1,81 @@
+// The thumbnail database. Its grammar stands here alone: one line per picture, in ascending order
+// of names: the name, a TAB, the time in decimal, a line feed. Carriage returns are dropped when
+// reading, and what follows a second TAB is ignored.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <utility>
+#include <vector>
+
+#include "app/CTessel.h"
+#include "util/CFileIO.h"
+#include "util/CStringTool.h"
+
+namespace {
+
+constexpr char kSeparator = '\t';
+constexpr const char* kUnstorable = "\t\n\r";  // in names: they would be read back as others
+
+}  // namespace
+
+bool CTessel::GetUnixFileTime(const char* path, long* time)
+{
+    const int file = open(path, O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        return false;
+    struct stat status = {};
+    fstat(file, &status);
+    close(file);
+    *time = status.st_mtime;
+    return true;
+}
+
+bool CTessel::TestFile(const char* folder, const char* name)
+{
+    SFileInfo info{name, 0};
+    if (!GetUnixFileTime((std::string(folder) + "/" + name).c_str(), &info.mTime))
+        return true;
+    const auto found = mFileInfoSet.lower_bound(info);
+    if (found == mFileInfoSet.end() || info < *found) {
+        mFileInfoSet.insert(found, std::move(info));
+        return true;
+    }
+    if (found->mTime >= info.mTime)
+        return false;
+    auto record = mFileInfoSet.extract(found);
+    record.value().mTime = info.mTime;
+    mFileInfoSet.insert(std::move(record));
+    return true;
+}
+
+void CTessel::ReadDbase(const char* path)
+{
+    CFileIO file;
+    if (!file.OpenFileRead(path, CFileIO::kBinary))
+        return;
+    CStringTool text;
+    std::string line;
+    std::vector<std::string> fields;
+    while (file.ReadLine(&line)) {
+        fields.clear();
+        if (text.SplitString(line, &fields, kSeparator) < 2)
+            continue;
+        // At the end, where the records of a file that this program wrote belong.
+        mFileInfoSet.insert(mFileInfoSet.end(),
+                            {std::move(fields[0]), text.StringTo<long>(fields[1])});
+    }
+    file.CloseFile();
+}
+
+void CTessel::WriteDbase(const char* path)
+{
+    std::ofstream file(path);
+    if (!file.good())
+        return;
+    for (const SFileInfo& info : mFileInfoSet) {
+        if (info.mName.find_first_of(kUnstorable) == std::string::npos)
+            file << info.mName << kSeparator << info.mTime << std::endl;
+    }
+}

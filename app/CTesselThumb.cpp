@@ -1,0 +1,50 @@
+// Making one thumbnail.
+#include <algorithm>
+#include <iostream>
+#include <new>
+
+#include "app/CTessel.h"
+#include "jpeg/CGraflibJpeg.h"
+
+namespace {
+
+/// The shorter side of a thumbnail: at least 1, so that every picture gets one. In single
+/// precision and cut, which may give one pixel less than exact arithmetic.
+int ShorterSide(int size, int shorter, int longer)
+{
+    const float ratio = static_cast<float>(shorter) / static_cast<float>(longer);
+    const float side = static_cast<float>(size) * ratio;
+    // The largest sizes become a float that no int can hold.
+    return side < 0x1p31F ? std::max(1, static_cast<int>(side)) : size;
+}
+
+void ScaleToThumb(CGraflib& image, const char* source, int size)
+{
+    int width = size;
+    int height = size;
+    if (image.mHeight < image.mWidth)
+        height = ShorterSide(size, image.mHeight, image.mWidth);
+    else
+        width = ShorterSide(size, image.mWidth, image.mHeight);
+    image.Show(source);
+    image.DownScaleFix2(width, height);
+}
+
+}  // namespace
+
+void CTessel::MakeThumb(const char* source, const char* target, int size)
+{
+    CGraflibJpeg image;
+    const CPixelOwner owner(&image);
+    try {
+        std::cout << "Reading " << source << std::endl;
+        image.Read(source, nullptr);
+        ScaleToThumb(image, source, size < 1 ? kDefaultThumbSize : size);
+        std::cout << "Writing " << target << std::endl;
+        image.Write(target, true, nullptr);
+    } catch (const CGraflibException&) {
+        // A picture that can't be read, or a thumbnail that can't be written, is left out.
+    } catch (const std::bad_alloc&) {
+        // So is a picture for which there is no memory.
+    }
+}

@@ -1,0 +1,35 @@
+#include <cstring>
+#include <iostream>
+
+#include "app/CTessel.h"
+#include "util/CStringTool.h"
+
+namespace {
+
+constexpr const char* kSizeOption = "-tsize";
+
+void ShowUsage()
+{
+    std::cout << "tessel <options> <foldername>" << std::endl;
+    std::cout << "       options: -tsize <thumbsize>" << std::endl;
+    std::cout << "       Version " TESSEL_VERSION << std::endl;
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc < 2) {
+        ShowUsage();
+        return 0;
+    }
+    CTessel tessel;
+    CStringTool text;
+    // The last argument is the folder and has no value behind it.
+    for (int i = 1; i < argc - 1; ++i) {
+        if (std::strcmp(argv[i], kSizeOption) == 0)
+            tessel.mThumbSize = text.StringTo<int>(argv[i + 1]);
+    }
+    tessel.CreateThumbs(argv[argc - 1]);
+    return 0;
+}

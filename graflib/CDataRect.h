@@ -1,0 +1,51 @@
+#ifndef TESSEL_GRAFLIB_CDATARECT_H
+#define TESSEL_GRAFLIB_CDATARECT_H
+
+#include <cstddef>
+
+/// The image record: a buffer of packed pixels with the picture's size and depth.
+///
+/// Rows lie one behind the other, the top row first, without padding; a row is
+/// `mWidth * (mBits / 8)` bytes long. The layout of a pixel follows from the depth:
+///
+///     mBits   bytes   one pixel
+///         8       1   a grey level, or an index into a palette of 256 colours
+///        16       2   one signed 16-bit sample in the host's byte order
+///        24       3   red, green, blue
+///        32       4   red, green, blue, alpha (or a JPEG file's four channels)
+///
+/// The buffer is an array made with `new unsigned char[]`. The record refers to it and never
+/// releases it: who had it filled releases it with `delete[]`, by hand or with CPixelOwner.
+/// Copying a record copies the pointer, not the pixels. One record is used by one thread at a time.
+struct CDataRect
+{
+    unsigned char* mData = nullptr;  ///< null while the record holds no picture
+    int mWidth = 0;                  ///< pixels per row
+    int mHeight = 0;                 ///< rows
+    int mBits = 0;                   ///< bits per pixel
+
+    /// Bytes from one row to the next.
+    std::size_t RowBytes() const
+    {
+        return static_cast<std::size_t>(mWidth) * static_cast<std::size_t>(mBits / 8);
+    }
+};
+
+/// Releases a record's pixel buffer, whichever it then is, when the scope is left.
+class CPixelOwner
+{
+public:
+    explicit CPixelOwner(CDataRect* image) : mImage(image) {}
+    CPixelOwner(const CPixelOwner&) = delete;
+    CPixelOwner& operator=(const CPixelOwner&) = delete;
+    ~CPixelOwner()
+    {
+        delete[] mImage->mData;
+        mImage->mData = nullptr;
+    }
+
+private:
+    CDataRect* mImage;
+};
+
+#endif

@@ -1,0 +1,119 @@
+#ifndef TESSEL_GRAFLIB_FIXEDPOINTTYPES_H
+#define TESSEL_GRAFLIB_FIXEDPOINTTYPES_H
+
+#include <cstdint>
+#include <type_traits>
+#include <vector>
+
+/// The number, accumulator and parameter types of the fixed-point scaler CGraflib::DownScaleFix2.
+/// All are plain values; a parameter record is used by one thread at a time.
+
+/// A number with SHIFT fraction bits in 32 bits.
+template <int SHIFT>
+struct CFixT
+{
+    static constexpr std::int32_t kOne = 1 << SHIFT;
+    static constexpr std::int32_t kMask = kOne - 1;
+    static constexpr std::int32_t kHalf = kOne / 2;
+
+    std::int32_t mValue = 0;  ///< the number times kOne
+
+    CFixT() = default;
+    /// The quotient a / b, cut toward zero. `a` must leave room for the fraction bits.
+    CFixT(int a, int b) : mValue(static_cast<std::int32_t>(static_cast<double>(a << SHIFT) / b)) {}
+
+    /// The product, cut downward; beyond 32 bits its low 32 bits remain.
+    friend CFixT operator*(CFixT a, CFixT b)
+    {
+        CFixT product;
+        product.mValue = static_cast<std::int32_t>(WideProduct(a, b));
+        return product;
+    }
+
+    /// The product with all its bits.
+    static std::int64_t WideProduct(CFixT a, CFixT b)
+    {
+        return (std::int64_t{a.mValue} * b.mValue) >> SHIFT;
+    }
+
+    std::int32_t Integer() const { return mValue >> SHIFT; }
+    std::int32_t Fraction() const { return mValue & kMask; }
+};
+
+/// One accumulator per component of a pixel. 64 bits, because 32 would overflow with 16-bit
+/// samples, and with 8-bit ones where a pixel stands for more than two million.
+template <int SHIFT, int COUNT>
+struct CPixelNfixT
+{
+    std::int64_t mSums[COUNT] = {};
+
+    void Clear()
+    {
+        for (std::int64_t& sum : mSums)
+            sum = 0;
+    }
+
+    /// Adds a source pixel's samples times `weight`.
+    template <typename Tsample>
+    void Add(const Tsample* samples, std::int32_t weight)
+    {
+        for (int k = 0; k < COUNT; ++k)
+            mSums[k] += std::int64_t{weight} * samples[k];
+    }
+
+    /// Writes each sum divided by the footprint's area (above 0), halves rounded up.
+    template <typename Tpixel>
+    void Store(std::int64_t area, Tpixel* dest) const
+    {
+        for (int k = 0; k < COUNT; ++k) {
+            const auto quotient = static_cast<std::int32_t>(mSums[k] * CFixT<SHIFT>::kOne / area);
+            const int roundUp = (quotient & CFixT<SHIFT>::kMask) >= CFixT<SHIFT>::kHalf ? 1 : 0;
+            dest->mSamples[k] = static_cast<typename Tpixel::Sample>((quotient >> SHIFT) + roundUp);
+        }
+    }
+};
+
+template <int SHIFT>
+using CPixel1fixT = CPixelNfixT<SHIFT, 1>;
+template <int SHIFT>
+using CPixel3fixT = CPixelNfixT<SHIFT, 3>;
+template <int SHIFT>
+using CPixel4fixT = CPixelNfixT<SHIFT, 4>;
+
+/// The source rows under one destination row, summed up once and then used by all its pixels.
+/// Sums are per sample: `width * components` of them.
+template <typename Tsample>
+struct SCollapsedRows
+{
+    /// Twice as wide as a sample: room for the sum of kRowsPerPart samples.
+    using Part = std::conditional_t<sizeof(Tsample) == 1, std::uint16_t, std::int32_t>;
+    static constexpr int kRowsPerPart = 256;
+
+    int mY = -1;                       ///< the destination row; -1 while there is none
+    const Tsample* mTop = nullptr;     ///< the first row, of which mTopWeight is covered
+    const Tsample* mBottom = nullptr;  ///< the last row, of which mBottomWeight is covered
+    std::int32_t mTopWeight = 0;
+    std::int32_t mBottomWeight = 0;
+    std::vector<Part> mPart;              ///< work space: the sum of up to kRowsPerPart rows
+    std::vector<std::int64_t> mFull;      ///< the sum of the rows between top and bottom
+    std::vector<std::int64_t> mWeighted;  ///< the sum of all rows, each times its weight
+};
+
+/// What CGraflib::DownScalePicture works out once and CGraflib::GetScaledPicturePixel uses for
+/// every pixel. A record belongs to one picture whose pixels don't change meanwhile.
+template <int SHIFT, typename Tpixel>
+struct SScaleParams
+{
+    int mSrcWidth = 0;        ///< in pixels
+    int mSrcHeight = 0;       ///< in rows
+    CFixT<SHIFT> mStepX;      ///< source columns per destination column
+    CFixT<SHIFT> mStepY;      ///< source rows per destination row
+    CFixT<SHIFT> mArea;       ///< source pixels per destination pixel
+    Tpixel* mDest = nullptr;  ///< the destination pixel that the next call writes
+
+    int mDestWidth = 0;  ///< in pixels; the target size matters only where mArea vanishes
+    int mDestHeight = 0;
+    SCollapsedRows<typename Tpixel::Sample> mRows;
+};
+
+#endif

@@ -1,0 +1,87 @@
+#ifndef TESSEL_GRAFLIB_PIXELTYPES_H
+#define TESSEL_GRAFLIB_PIXELTYPES_H
+
+#include <utility>
+
+/// Value types of exactly one pixel. They hold their components and nothing else, so an array of
+/// them lies directly over a picture's buffer. They own nothing; threads need no care.
+
+/// A 32-bit pixel: red, green, blue, alpha. Alpha 0 is fully transparent, 255 fully opaque.
+template <typename T>
+struct CPixel32T
+{
+    T mRed;
+    T mGreen;
+    T mBlue;
+    T mAlpha;
+
+    /// Exchanges the first and the third component; green and alpha stay.
+    void SwapRedBlue() { std::swap(mRed, mBlue); }
+};
+
+/// A 24-bit pixel: red, green, blue.
+template <typename T>
+struct CPixel24T
+{
+    T mRed;
+    T mGreen;
+    T mBlue;
+
+    /// Takes the colour of a 32-bit pixel; its alpha is dropped.
+    CPixel24T& operator=(const CPixel32T<T>& src)
+    {
+        mRed = src.mRed;
+        mGreen = src.mGreen;
+        mBlue = src.mBlue;
+        return *this;
+    }
+
+    /// Blends `src` over this pixel by its alpha a: d * (255 - a) / 255 + s * a / 255, each
+    /// quotient cut on its own, so that mixing like with like may lose one step of brightness.
+    void MixPixel(const CPixel32T<T>* src)
+    {
+        if (src->mAlpha == 0)
+            return;
+        if (src->mAlpha == kOpaque) {
+            *this = *src;
+            return;
+        }
+        mRed = Mix(mRed, src->mRed, src->mAlpha);
+        mGreen = Mix(mGreen, src->mGreen, src->mAlpha);
+        mBlue = Mix(mBlue, src->mBlue, src->mAlpha);
+    }
+
+    /// Exchanges the first and the third component.
+    void SwapRedBlue() { std::swap(mRed, mBlue); }
+
+private:
+    static constexpr int kOpaque = 255;
+
+    static T Mix(int below, int above, int alpha)
+    {
+        return static_cast<T>(below * (kOpaque - alpha) / kOpaque + above * alpha / kOpaque);
+    }
+};
+
+/// A pixel of COUNT samples of type T, without operations: what the scalers read and write.
+template <typename T, int COUNT>
+struct SPixelNi
+{
+    using Sample = T;
+    static constexpr int kComponents = COUNT;
+
+    T mSamples[COUNT];
+};
+
+template <typename T>
+using SPixel1i = SPixelNi<T, 1>;
+template <typename T>
+using SPixel3i = SPixelNi<T, 3>;
+template <typename T>
+using SPixel4i = SPixelNi<T, 4>;
+
+static_assert(sizeof(CPixel24T<unsigned char>) == 3 && sizeof(CPixel32T<unsigned char>) == 4);
+static_assert(sizeof(SPixel1i<unsigned char>) == 1 && sizeof(SPixel1i<short>) == 2);
+static_assert(sizeof(SPixel3i<unsigned char>) == 3 && sizeof(SPixel4i<unsigned char>) == 4);
+
+#endif

@@ -1,0 +1,78 @@
+#ifndef TESSEL_JPEG_CGRAFLIBJPEG_H
+#define TESSEL_JPEG_CGRAFLIBJPEG_H
+
+#include <memory>
+#include <vector>
+
+#include "graflib/CGraflib.h"
+
+class CGraphicsJpeg;
+
+/// Where in a file CGraflibJpeg::Read finds its JPEG. The other fields aren't used by it.
+struct SFileReadInfo
+{
+    int mFormat = 0;
+    int mOffset = 0;  ///< the byte at which the JPEG begins
+    int mLength = 0;
+};
+
+/// The image that reads and writes JPEG files, whole or line by line.
+///
+/// A greyscale file gives 8 bits, a colour file 24, a four-channel file 32. What is written is
+/// always a colour file: 8-bit rows are expanded to red = green = blue, and of 32-bit rows each
+/// colour is multiplied by the fourth channel, which flattens red, green, blue, alpha over black
+/// and turns inverted CMYK, the kind that exists in files, into red, green, blue.
+///
+/// As with every CGraflib, the buffer belongs to the caller: release what the record holds before
+/// reading into it again, and in the end. An encoding error of libjpeg ends the process
+/// (CGraphicsJpeg).
+class CGraflibJpeg : public CGraflib
+{
+public:
+    CGraflibJpeg();
+    ~CGraflibJpeg();
+
+    int mQuality = 80;  ///< of the files written, 0 to 100
+
+    /// Reads a file into a new buffer. True; throws CGraflibException (GLIB_ERR_READ) when that
+    /// fails, and std::bad_alloc when there is no room, the record then being empty. `info` may be
+    /// null: the JPEG begins at the start of the file.
+    bool Read(const char* fileName, SFileReadInfo* info) override;
+    /// Writes the record as a new file, replacing an old one whatever the append mode. True;
+    /// throws GLIB_ERR_WRITE when the file can't be opened, and, without touching it, for a record
+    /// without a buffer, a depth other than 8, 24 and 32, and sides outside 1 to 32767. The last
+    /// two arguments aren't used.
+    bool Write(const char* fileName, bool, CFileIO*) override;
+
+    /// Opens a file for ReadLine and sets size and depth, leaving the buffer alone. True; throws
+    /// GLIB_ERR_READ when that fails. Ends a line-wise read that is still open, as the destructor
+    /// does; a line-wise write must have been closed.
+    bool OpenReadLine(const char* fileName) override;
+    /// Stores the next row, mWidth * mBits / 8 bytes, at `line`: true mHeight times, then false.
+    bool ReadLine(void* line) override;
+    void CloseReadLine() override;
+
+    /// Opens a file for mHeight calls of WriteLine. True; throws GLIB_ERR_WRITE when the file
+    /// can't be opened, and, without touching it, for a depth other than 0, 8, 24 and 32 and sides
+    /// outside 1 to 65500.
+    bool OpenWriteLine(const char* fileName) override;
+    /// Writes the next row: mWidth * mBits / 8 bytes, or red, green, blue where mBits is 0.
+    /// Returns the number of rows accepted, which is 1.
+    int WriteLine(void* line) override;
+    void CloseWriteLine() override;
+    /// Whether OpenWriteLine appends to files or replaces them. Holds until OpenReadLine is called.
+    void SetAppendMode(bool append) override;
+
+    /// Sets size and depth from a file's header, the JPEG beginning at the byte `offset`; the
+    /// last argument isn't used. False, with all three 0, when it can't be read or a side is above
+    /// 32767.
+    bool GetSize(const char* fileName, int offset, int);
+
+private:
+    CGraphicsJpeg& LineJpeg();
+
+    std::unique_ptr<CGraphicsJpeg> mLineJpeg;  // of the line-wise operations; null until needed
+    std::vector<unsigned char> mRgbRow;        // one expanded row
+};
+
+#endif

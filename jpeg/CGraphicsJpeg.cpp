@@ -1,0 +1,332 @@
+#include "jpeg/CGraphicsJpeg.h"
+
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+
+#include "jpeg/SJpegState.h"
+
+namespace {
+
+constexpr int kRgbComponents = 3;
+constexpr JDIMENSION kOneRow = 1;
+static_assert(CGraphicsJpeg::kMaxSide == JPEG_MAX_DIMENSION);
+
+// --- Errors while reading ----------------------------------------------------------------------
+
+[[noreturn]] void JumpOut(j_common_ptr codec)
+{
+    codec->err->output_message(codec);
+    std::longjmp(reinterpret_cast<SJumpingErrors*>(codec->err)->mJump, 1);
+}
+
+/// Runs a step that calls libjpeg; false when an error jumped out of it. A step is a lambda that
+/// captures references and holds nothing with a destructor: the jump skips it without a trace.
+template <typename Step>
+bool Guarded(SJpegState& state, Step step)
+{
+    if (setjmp(state.mReadErrors.mJump) != 0)
+        return false;
+    step();
+    return true;
+}
+
+/// Releases all that an open read holds; the state is idle then.
+void EndRead(SJpegState& state)
+{
+    jpeg_destroy_decompress(&state.mDecompressor);
+    std::fclose(state.mInput);
+    state.mInput = nullptr;
+}
+
+/// Sets up the decompressor on state.mInput and reads the header. When that fails the read is
+/// ended.
+bool ReadHeader(SJpegState& state)
+{
+    state.mDecompressor.err = jpeg_std_error(&state.mReadErrors.mManager);
+    state.mReadErrors.mManager.error_exit = JumpOut;
+    const bool ok = Guarded(state, [&state] {
+        jpeg_create_decompress(&state.mDecompressor);
+        jpeg_stdio_src(&state.mDecompressor, state.mInput);
+        jpeg_read_header(&state.mDecompressor, TRUE);
+    });
+    if (!ok)
+        EndRead(state);
+    return ok;
+}
+
+// --- Writing -----------------------------------------------------------------------------------
+
+void StartCompress(jpeg_compress_struct& compressor, std::FILE* stream, int width, int height,
+                   int quality)
+{
+    jpeg_stdio_dest(&compressor, stream);
+    compressor.image_width = static_cast<JDIMENSION>(width);
+    compressor.image_height = static_cast<JDIMENSION>(height);
+    compressor.input_components = kRgbComponents;
+    compressor.in_color_space = JCS_RGB;
+    jpeg_set_defaults(&compressor);  // depends on the colour space
+    jpeg_set_quality(&compressor, quality, TRUE);
+    jpeg_start_compress(&compressor, TRUE);
+}
+
+int WriteRow(jpeg_compress_struct& compressor, const void* row)
+{
+    // libjpeg's interface takes rows as writable; it only reads them.
+    auto* samples = static_cast<JSAMPROW>(const_cast<void*>(row));
+    return static_cast<int>(jpeg_write_scanlines(&compressor, &samples, kOneRow));
+}
+
+const unsigned char* RgbRow(const unsigned char* pixels, int width, std::size_t row)
+{
+    return pixels + row * static_cast<std::size_t>(width) * kRgbComponents;
+}
+
+}  // namespace
+
+CGraphicsJpeg::CGraphicsJpeg() : mState(std::make_unique<SJpegState>()) {}
+
+CGraphicsJpeg::~CGraphicsJpeg() = default;
+
+// --- Reading -----------------------------------------------------------------------------------
+
+std::FILE* CGraphicsJpeg::OpenJpegFile(const char* fileName) const
+{
+    std::FILE* stream = std::fopen(fileName, "rb");
+    if (stream && mReadOffset != 0 && std::fseek(stream, mReadOffset, SEEK_SET) != 0) {
+        std::fclose(stream);
+        return nullptr;
+    }
+    return stream;
+}
+
+bool CGraphicsJpeg::InitJpegRead(int* width, int* height, int* components)
+{
+    SJpegState& state = *mState;
+    if (!ReadHeader(state))
+        return false;
+    jpeg_decompress_struct& decompressor = state.mDecompressor;
+    const bool ok = Guarded(state, [&state, &decompressor] {
+        jpeg_start_decompress(&decompressor);
+        const JDIMENSION rowBytes =
+            decompressor.output_width * static_cast<JDIMENSION>(decompressor.output_components);
+        state.mRow = decompressor.mem->alloc_sarray(reinterpret_cast<j_common_ptr>(&decompressor),
+                                                    JPOOL_IMAGE, rowBytes, kOneRow);
+        state.mDecodedRowBytes = static_cast<int>(rowBytes);
+    });
+    if (!ok) {
+        EndRead(state);
+        return false;
+    }
+    *width = static_cast<int>(decompressor.image_width);
+    *height = static_cast<int>(decompressor.image_height);
+    *components = decompressor.output_components;
+    mComponents = decompressor.output_components;
+    return true;
+}
+
+bool CGraphicsJpeg::OpenJpegRead(const char* fileName, int* width, int* height, int* components)
+{
+    *mState = SJpegState{};
+    mState->mInput = OpenJpegFile(fileName);
+    if (!mState->mInput) {
+        *width = 0;
+        *height = 0;
+        return false;
+    }
+    return InitJpegRead(width, height, components);
+}
+
+bool CGraphicsJpeg::LinesRemain() const
+{
+    return mState->mInput &&
+           mState->mDecompressor.output_scanline < mState->mDecompressor.output_height;
+}
+
+/// Decodes the next row into the row buffer; ends the read when that fails.
+bool CGraphicsJpeg::DecodeLine()
+{
+    SJpegState& state = *mState;
+    const bool ok = Guarded(
+        state, [&state] { jpeg_read_scanlines(&state.mDecompressor, state.mRow, kOneRow); });
+    if (!ok)
+        EndRead(state);
+    return ok;
+}
+
+void CGraphicsJpeg::put_scanline()
+{
+    SJpegState& state = *mState;
+    const auto rowBytes = static_cast<std::size_t>(state.mDecodedRowBytes);
+    std::memcpy(state.mWriteCursor, state.mRow[0], rowBytes);
+    state.mWriteCursor += rowBytes;
+}
+
+bool CGraphicsJpeg::ReadJpegLine()
+{
+    if (!DecodeLine())
+        return false;
+    put_scanline();
+    return true;
+}
+
+bool CGraphicsJpeg::ReadJpegLine(void* line)
+{
+    if (!LinesRemain() || !DecodeLine())
+        return false;
+    std::memcpy(line, mState->mRow[0], static_cast<std::size_t>(mState->mDecodedRowBytes));
+    return true;
+}
+
+/// Ends a read in any state. An error while finishing is no loss: all rows are delivered then. A
+/// read ended before its last row isn't finished, which libjpeg would take for an error.
+void CGraphicsJpeg::CloseJpeg()
+{
+    SJpegState& state = *mState;
+    if (!state.mInput)
+        return;
+    if (!LinesRemain())
+        Guarded(state, [&state] { jpeg_finish_decompress(&state.mDecompressor); });
+    EndRead(state);
+}
+
+void CGraphicsJpeg::CloseJpegLines()
+{
+    CloseJpeg();
+}
+
+unsigned char* CGraphicsJpeg::ReadJpeg(const char* fileName, int* width, int* height,
+                                       int* components)
+{
+    if (!OpenJpegRead(fileName, width, height, components))
+        return nullptr;
+    // Whatever happens from here on, a failed allocation included, the read is ended.
+    struct Closer
+    {
+        CGraphicsJpeg* mJpeg;
+        ~Closer() { mJpeg->CloseJpeg(); }
+    } const closer{this};
+
+    mState->mTargetRowBytes = *width * *components;
+    auto pixels = std::make_unique_for_overwrite<unsigned char[]>(
+        static_cast<std::size_t>(mState->mTargetRowBytes) * static_cast<std::size_t>(*height));
+    mState->mImageData = pixels.get();
+    mState->mWriteCursor = pixels.get();
+    while (LinesRemain()) {
+        if (!ReadJpegLine())
+            return nullptr;
+    }
+    return pixels.release();
+}
+
+unsigned char* CGraphicsJpeg::ReadJpeg(const char* fileName, short* width, short* height,
+                                       int /*unused*/)
+{
+    int fullWidth = 0;
+    int fullHeight = 0;
+    unsigned char* pixels = ReadJpeg(fileName, &fullWidth, &fullHeight, &mComponents);
+    *width = static_cast<short>(fullWidth);
+    *height = static_cast<short>(fullHeight);
+    return pixels;
+}
+
+bool CGraphicsJpeg::GetJpegSize(const char* fileName, short* width, short* height, int* components)
+{
+    *width = 0;
+    *height = 0;
+    SJpegState state{};
+    state.mInput = OpenJpegFile(fileName);
+    if (!state.mInput || !ReadHeader(state))
+        return false;
+    const JDIMENSION fullWidth = state.mDecompressor.image_width;
+    const JDIMENSION fullHeight = state.mDecompressor.image_height;
+    const int count = state.mDecompressor.num_components;
+    EndRead(state);
+    if (fullWidth > SHRT_MAX || fullHeight > SHRT_MAX)
+        return false;
+    *width = static_cast<short>(fullWidth);
+    *height = static_cast<short>(fullHeight);
+    if (components)
+        *components = count;
+    return true;
+}
+
+// --- Writing -----------------------------------------------------------------------------------
+
+bool CGraphicsJpeg::OpenJpegWrite(const char* fileName, int width, int height, int quality)
+{
+    SJpegState& state = *mState;
+    state.mWidth = width;
+    state.mHeight = height;
+    state.mCompressor.err = jpeg_std_error(&state.mWriteErrors);
+    jpeg_create_compress(&state.mCompressor);
+    state.mOutput = std::fopen(fileName, mAppend ? "ab+" : "wb");
+    if (!state.mOutput) {
+        jpeg_destroy_compress(&state.mCompressor);
+        return false;
+    }
+    StartCompress(state.mCompressor, state.mOutput, width, height, quality);
+    return true;
+}
+
+int CGraphicsJpeg::WriteJpegLine(const void* line)
+{
+    return mState->mOutput ? WriteRow(mState->mCompressor, line) : 0;
+}
+
+void CGraphicsJpeg::CloseJpegWrite()
+{
+    SJpegState& state = *mState;
+    if (!state.mOutput)
+        return;
+    jpeg_finish_compress(&state.mCompressor);
+    std::fclose(state.mOutput);
+    state.mOutput = nullptr;
+    jpeg_destroy_compress(&state.mCompressor);
+}
+
+bool CGraphicsJpeg::WriteJpeg(const char* fileName, short width, short height,
+                              const unsigned char* pixels, int quality)
+{
+    if (!OpenJpegWrite(fileName, width, height, quality))
+        return false;
+    for (int row = 0; row < height; ++row)
+        WriteJpegLine(RgbRow(pixels, width, static_cast<std::size_t>(row)));
+    CloseJpegWrite();
+    return true;
+}
+
+int CGraphicsJpeg::WriteJpeg(std::FILE* stream, short width, short height,
+                             const unsigned char* pixels, int quality)
+{
+    mState->mWidth = width;
+    mState->mHeight = height;
+    mState->mImageData = const_cast<unsigned char*>(pixels);  // write_JPEG_file only reads them
+    const long start = std::ftell(stream);
+    write_JPEG_file(stream, quality);
+    return static_cast<int>(std::ftell(stream) - start);
+}
+
+void CGraphicsJpeg::write_JPEG_file(std::FILE* stream, int quality)
+{
+    jpeg_compress_struct compressor{};
+    jpeg_error_mgr errors{};
+    compressor.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&compressor);
+    StartCompress(compressor, stream, mState->mWidth, mState->mHeight, quality);
+    while (compressor.next_scanline < compressor.image_height)
+        WriteRow(compressor, RgbRow(mState->mImageData, mState->mWidth, compressor.next_scanline));
+    jpeg_finish_compress(&compressor);
+    jpeg_destroy_compress(&compressor);
+}
+
+void CGraphicsJpeg::write_JPEG_file(const char* fileName, int quality)
+{
+    std::FILE* stream = std::fopen(fileName, "wb");
+    if (!stream) {
+        std::fprintf(stderr, "can't open %s\n", fileName);
+        std::exit(EXIT_FAILURE);
+    }
+    write_JPEG_file(stream, quality);
+    std::fclose(stream);
+}

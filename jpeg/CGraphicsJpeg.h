@@ -1,0 +1,91 @@
+#ifndef TESSEL_JPEG_CGRAPHICSJPEG_H
+#define TESSEL_JPEG_CGRAPHICSJPEG_H
+
+#include <cstdio>
+#include <memory>
+
+struct SJpegState;
+
+/// Reads and writes JPEG files through libjpeg, whole or line by line, without image records
+/// (CGraflibJpeg adds those).
+///
+/// Pixels are packed rows, the top row first: one byte a pixel from greyscale files, red, green
+/// and blue from colour files, four channels as libjpeg delivers them from four-channel files.
+/// What is written is always red, green, blue. libjpeg's messages go to standard error.
+///
+/// An object runs one read or one write at a time, and is used by one thread at a time; separate
+/// objects share nothing. Close what was opened before the object goes away: the destructor
+/// neither closes streams nor releases what libjpeg holds for them. The line functions do nothing
+/// (false, 0) while nothing is open.
+class CGraphicsJpeg
+{
+public:
+    static constexpr int kMaxSide = 65500;  ///< what libjpeg encodes at most, in pixels
+
+    CGraphicsJpeg();
+    CGraphicsJpeg(const CGraphicsJpeg&) = delete;
+    CGraphicsJpeg& operator=(const CGraphicsJpeg&) = delete;
+    ~CGraphicsJpeg();
+
+    int mComponents = 0;   ///< bytes per pixel of the JPEG last opened for reading
+    bool mAppend = false;  ///< writes go behind what the file holds instead of replacing it
+    int mReadOffset = 0;   ///< where in the file the JPEG to read begins, in bytes
+
+    // --- Reading ---------------------------------------------------------------------------------
+
+    /// Reads a whole picture into a new array, which belongs to the caller. Null when the file
+    /// can't be opened (without a message, width and height set to 0) or isn't a JPEG that libjpeg
+    /// decodes to its last row. Damage that libjpeg only warns about doesn't count. Throws
+    /// `std::bad_alloc` when there is no room for the pixels.
+    unsigned char* ReadJpeg(const char* fileName, int* width, int* height, int* components);
+    /// The same with the components left in mComponents; the last argument isn't used.
+    unsigned char* ReadJpeg(const char* fileName, short* width, short* height, int);
+    /// The size of a picture, from its header alone. `components`, the number in the file, may be
+    /// null. False, with width and height 0, when the file can't be opened, its header is damaged
+    /// or a side is above 32767.
+    bool GetJpegSize(const char* fileName, short* width, short* height, int* components);
+
+    /// Opens a picture for ReadJpegLine; false as ReadJpeg's null.
+    bool OpenJpegRead(const char* fileName, int* width, int* height, int* components);
+    /// Stores the next row, width * components bytes, at `line`. False behind the last row, and
+    /// when the row can't be decoded, which closes the read.
+    bool ReadJpegLine(void* line);
+    /// Ends the read, at the last row or before.
+    void CloseJpegLines();
+
+    // --- Writing ---------------------------------------------------------------------------------
+    // An error while encoding (an empty picture, a full disk, a writer closed before its last row)
+    // ends the process with libjpeg's message and exit status 1. `quality` is libjpeg's, 0 to 100.
+
+    /// Writes a whole picture of width * height * 3 bytes; false when the file can't be opened.
+    bool WriteJpeg(const char* fileName, short width, short height, const unsigned char* pixels,
+                   int quality);
+    /// Writes a picture at the stream's position and leaves the stream open behind it. Returns the
+    /// number of bytes written.
+    int WriteJpeg(std::FILE* stream, short width, short height, const unsigned char* pixels,
+                  int quality);
+
+    /// Opens a file for exactly `height` calls of WriteJpegLine; false when it can't be opened.
+    bool OpenJpegWrite(const char* fileName, int width, int height, int quality);
+    /// Writes the next row, width * 3 bytes. Returns the number of rows accepted, which is 1.
+    int WriteJpegLine(const void* line);
+    void CloseJpegWrite();
+
+    /// Writes the picture that the last stream write described (whose pixels must still exist) to
+    /// a stream, or to a file. A file that can't be opened ends the process with exit status 1.
+    void write_JPEG_file(std::FILE* stream, int quality);
+    void write_JPEG_file(const char* fileName, int quality);
+
+private:
+    std::FILE* OpenJpegFile(const char* fileName) const;
+    bool InitJpegRead(int* width, int* height, int* components);
+    bool LinesRemain() const;
+    bool DecodeLine();
+    bool ReadJpegLine();
+    void put_scanline();
+    void CloseJpeg();
+
+    std::unique_ptr<SJpegState> mState;
+};
+
+#endif

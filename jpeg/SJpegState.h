@@ -1,0 +1,36 @@
+#ifndef TESSEL_JPEG_SJPEGSTATE_H
+#define TESSEL_JPEG_SJPEGSTATE_H
+
+// Private to CGraphicsJpeg.cpp, the only source that sees libjpeg.
+
+#include <csetjmp>
+#include <cstdio>
+// libjpeg's header wants stdio's names declared before it.
+#include <jpeglib.h>
+
+/// libjpeg's error manager with the place to which its error exit jumps.
+struct SJumpingErrors
+{
+    jpeg_error_mgr mManager;  // first, so that a pointer to it is a pointer to the whole
+    std::jmp_buf mJump;
+};
+
+/// What libjpeg needs between calls. A plain record, so that zeroing it makes it new.
+struct SJpegState
+{
+    jpeg_decompress_struct mDecompressor;
+    jpeg_compress_struct mCompressor;
+    SJumpingErrors mReadErrors;   // jumps out of libjpeg
+    jpeg_error_mgr mWriteErrors;  // ends the process
+    std::FILE* mInput;            // null while no read is open
+    std::FILE* mOutput;           // null while no line-wise write is open
+    JSAMPARRAY mRow;              // one decoded row, in the decompressor's image pool
+    unsigned char* mImageData;    // the caller's pixels: those being read, or those to encode
+    int mDecodedRowBytes;
+    int mTargetRowBytes;  // in mImageData; equal to mDecodedRowBytes, as nothing is scaled
+    int mHeight;          // of the picture being encoded
+    int mWidth;
+    unsigned char* mWriteCursor;  // where in mImageData the next decoded row goes
+};
+
+#endif

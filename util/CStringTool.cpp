@@ -1,0 +1,24 @@
+#include "util/CStringTool.h"
+
+// By value, so that the text may be an element of `fields`, which growing moves.
+int CStringTool::SplitString(std::string text,  // NOLINT(performance-unnecessary-value-param)
+                             std::vector<std::string>* fields, char separator)
+{
+    std::string::size_type start = 0;
+    for (auto end = text.find(separator); end != std::string::npos;
+         end = text.find(separator, start)) {
+        fields->emplace_back(text, start, end - start);
+        start = end + 1;
+    }
+    fields->emplace_back(text, start);
+    return static_cast<int>(fields->size());
+}
+
+void CStringTool::TrimString(std::string* text)
+{
+    if (text->empty() || text->front() != '"' || text->back() != '"')
+        return;
+    text->pop_back();
+    if (!text->empty())
+        text->erase(0, 1);
+}

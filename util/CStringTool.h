@@ -1,0 +1,39 @@
+#ifndef TESSEL_UTIL_CSTRINGTOOL_H
+#define TESSEL_UTIL_CSTRINGTOOL_H
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+/// Small operations on text: splitting into fields, unquoting, reading numbers.
+///
+/// The class holds nothing; its functions may be called with or without an object and from any
+/// thread. They own nothing beyond their arguments and results.
+class CStringTool
+{
+public:
+    /// Splits `text` at every `separator` and appends the fields to `fields`, which is not emptied
+    /// first. Empty fields count: a text with n separators gives n + 1 fields, an empty text gives
+    /// one empty field. Returns the number of elements in `fields` afterwards.
+    static int SplitString(std::string text, std::vector<std::string>* fields, char separator);
+
+    /// Removes one pair of double quotes around the text; any other text stays as it is. A text
+    /// that is a single double quote becomes empty.
+    static void TrimString(std::string* text);
+
+    /// Reads the value at the start of the text as a stream's `>>` does: white space before it is
+    /// skipped and whatever follows it is ignored. Gives T() for a text that holds no value, or
+    /// one that T cannot hold.
+    template <typename T>
+    static T StringTo(const std::string& text);
+};
+
+template <typename T>
+T CStringTool::StringTo(const std::string& text)
+{
+    std::stringstream stream(text);
+    T value{};
+    return stream >> value ? value : T{};
+}
+
+#endif
