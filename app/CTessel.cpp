@@ -14,7 +14,8 @@ void CTessel::CreateThumbs(const char* folder)
 
     const std::string prefix = std::string(folder) + "/";
     const std::string thumbFolder = prefix + kThumbFolder;
-    const std::string dbase = thumbFolder + "/" + kDbaseFile;
+    const std::string thumbPrefix = thumbFolder + "/";
+    const std::string dbase = thumbPrefix + kDbaseFile;
     CIndexPage page(prefix + kPageFile);
     files.CreateDir(thumbFolder.c_str());
     ReadDbase(dbase.c_str());
@@ -25,7 +26,7 @@ void CTessel::CreateThumbs(const char* folder)
         page.AddPicture(name);
         if (TestFile(folder, name.c_str())) {
             const std::string source = prefix + name;
-            const std::string target = thumbFolder + "/" + name;
+            const std::string target = thumbPrefix + name;
             MakeThumb(source.c_str(), target.c_str(), mThumbSize);
         }
     }

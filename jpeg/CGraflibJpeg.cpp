@@ -51,7 +51,7 @@ CGraflibJpeg::CGraflibJpeg() = default;
 
 CGraflibJpeg::~CGraflibJpeg()
 {
-    CloseReadLine();
+    CGraflibJpeg::CloseReadLine();
 }
 
 bool CGraflibJpeg::Read(const char* fileName, SFileReadInfo* info)

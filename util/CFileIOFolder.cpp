@@ -152,7 +152,7 @@ char* CFileIO::Fill0(char* buffer, int value, int width)
     const int length = std::snprintf(digits, sizeof digits, "%d", value);
     const int zeros = std::max(0, width - length);
     std::fill_n(buffer, zeros, '0');
-    std::strcpy(buffer + zeros, digits);
+    std::memcpy(buffer + zeros, digits, static_cast<std::size_t>(length) + 1);
     return buffer;
 }
 
