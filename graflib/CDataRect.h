@@ -29,6 +29,12 @@ struct CDataRect
     {
         return static_cast<std::size_t>(mWidth) * static_cast<std::size_t>(mBits / 8);
     }
+    /// Bytes of the whole buffer.
+    std::size_t Bytes() const { return RowBytes() * static_cast<std::size_t>(mHeight); }
+    std::size_t PixelCount() const
+    {
+        return static_cast<std::size_t>(mWidth) * static_cast<std::size_t>(mHeight);
+    }
 };
 
 /// Releases a record's pixel buffer, whichever it then is, when the scope is left.

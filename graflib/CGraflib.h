@@ -5,6 +5,7 @@
 
 #include "graflib/CDataRect.h"
 #include "graflib/CGraflibException.h"
+#include "graflib/PixelTypes.h"
 
 class CFileIO;
 struct SFileReadInfo;
@@ -74,6 +75,60 @@ public:
     template <int SHIFT, typename Tfix, typename Tpixel>
     void GetScaledPicturePixel(SScaleParams<SHIFT, Tpixel>* params, int x, int y);
 
+    /// Resizes the image to `width` x `height` by area averaging in floating point (see
+    /// CFilterBilinearFloat, which cuts where DownScaleFix2 rounds). Takes depths of 8, 16 and 24
+    /// bits. Returns the new buffer, which is then mData; null, leaving the image as it was, for
+    /// another depth, an empty image, a target side below 1, and, after a line beginning "***** ",
+    /// when the filter runs out of memory.
+    unsigned char* DownScale(int width, int height);
+
+    /// Makes one line of half the width out of two lines of this image's depth (8, 16, 24 or 32)
+    /// and mWidth: every sample is the mean of a 2 x 2 block, cut; 16-bit samples count as
+    /// unsigned. `source` is the first line; the second begins `offset` samples (bytes, or 16-bit
+    /// samples) behind it. An odd width's last pixel is dropped. The image itself isn't touched.
+    /// `dest` takes mWidth / 2 pixels and may be `source`: each sample is stored where only samples
+    /// already used stood. Another depth writes nothing but a line beginning "***** ".
+    void DownScaleLine2(void* source, void* dest, int offset);
+    /// The same for one component, 0 based, of lines of `width` pixels: the other components of
+    /// `dest` are left alone. The component plays no role at 8 and 16 bits. Another depth does
+    /// nothing.
+    void DownScaleLine2(void* source, void* dest, int width, int offset, int component);
+
+    // --- Orientation and colours ----------------------------------------------------------------
+
+    /// Turns the picture upside down, in place, at any depth of whole bytes.
+    void Yflip();
+    /// Exchanges the first and third byte of every pixel, in place. Takes 24 and 32 bits; another
+    /// depth changes nothing and writes a line beginning "***** ".
+    void SwapRedBlue();
+    /// Expands an 8-bit picture into 24 bits: each byte is an index into `palette`, 256 colours.
+    /// The depth isn't tested: the first mWidth * mHeight bytes are taken for indices.
+    void ConvertPalToRGB(const CRgb* palette);
+    /// The same into 32 bits, the fourth byte being the index's entry in `alpha`, 256 bytes.
+    void ConvertPalToRGBA(const CRgb* palette, const unsigned char* alpha);
+
+    // --- Alpha and planes -----------------------------------------------------------------------
+
+    /// Makes an 8-bit picture of the same size the alpha channel of this one, which has 24 bits
+    /// (and gets 32) or 32. False, changing nothing, for other depths and sizes.
+    bool InterleaveAlpha(CGraflib* alpha);
+    /// Splits this 32-bit picture, which stays as it is, into a 24-bit picture and an 8-bit one of
+    /// its alphas, and writes a line on each (`Show`). Either target may be null. A target's new
+    /// buffer belongs to the caller, and so does the one it held before. False, after a line
+    /// beginning "***** ", for another depth.
+    bool SeparateAlpha(CGraflib* color, CGraflib* alpha);
+    /// Blends a 32-bit picture over this 24-bit picture of the same size, in place, by its alpha
+    /// (see CPixel24T::MixPixel). Throws CGraflibException before anything is changed:
+    /// GLIB_ERR_NOT24BIT for this picture, GLIB_ERR_NOT32BIT for the overlay, then GLIB_ERR_SIZE.
+    void CombineWithAlpha(const CDataRect* overlay);
+    /// Splits a 24-bit picture into new arrays of its red, green and blue bytes, mWidth * mHeight
+    /// each, which belong to the caller (`delete[]`). Another depth does nothing: the pointers
+    /// aren't written.
+    void SplitBitplanes(char** plane0, char** plane1, char** plane2);
+    /// Gives a 24-bit picture a new buffer made of three such planes, which stay with the caller.
+    /// Another depth does nothing.
+    void JoinBitplanes(const char* plane0, const char* plane1, const char* plane2);
+
 protected:
     // Not virtual: images are never destroyed through a CGraflib.
     ~CGraflib() = default;
@@ -85,6 +140,8 @@ protected:
 private:
     template <template <int> class Tfix, typename Tpixel>
     unsigned char* DownScaleDepth(int width, int height);
+    template <typename Tsample>
+    unsigned char* DownScaleFloat(int width, int height);
 };
 
 #endif

@@ -63,6 +63,9 @@ private:
     }
 };
 
+using CRgb = CPixel24T<unsigned char>;   ///< one 24-bit pixel
+using CRgba = CPixel32T<unsigned char>;  ///< one 32-bit pixel
+
 /// A pixel of COUNT samples of type T, without operations: what the scalers read and write.
 template <typename T, int COUNT>
 struct SPixelNi
@@ -80,7 +83,7 @@ using SPixel3i = SPixelNi<T, 3>;
 template <typename T>
 using SPixel4i = SPixelNi<T, 4>;
 
-static_assert(sizeof(CPixel24T<unsigned char>) == 3 && sizeof(CPixel32T<unsigned char>) == 4);
+static_assert(sizeof(CRgb) == 3 && sizeof(CRgba) == 4);
 static_assert(sizeof(SPixel1i<unsigned char>) == 1 && sizeof(SPixel1i<short>) == 2);
 static_assert(sizeof(SPixel3i<unsigned char>) == 3 && sizeof(SPixel4i<unsigned char>) == 4);
 

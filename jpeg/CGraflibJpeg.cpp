@@ -21,7 +21,7 @@ bool IsSide(int side, int longest)
     return side >= 1 && side <= longest;
 }
 
-CPixel24T<unsigned char> Flatten(const CPixel32T<unsigned char>& pixel)
+CRgb Flatten(const CRgba& pixel)
 {
     const auto scale = [&pixel](int colour) {
         return static_cast<unsigned char>((colour * pixel.mAlpha + UCHAR_MAX / 2) / UCHAR_MAX);
@@ -35,13 +35,12 @@ const void* RgbRow(const CDataRect& image, const void* row, std::vector<unsigned
     if (image.mBits != 8 && image.mBits != 32)
         return row;
     const auto width = static_cast<std::size_t>(image.mWidth);
-    buffer.resize(width * sizeof(CPixel24T<unsigned char>));
-    auto* rgb = reinterpret_cast<CPixel24T<unsigned char>*>(buffer.data());
+    buffer.resize(width * sizeof(CRgb));
+    auto* rgb = reinterpret_cast<CRgb*>(buffer.data());
     const auto* grey = static_cast<const unsigned char*>(row);
-    const auto* wide = static_cast<const CPixel32T<unsigned char>*>(row);
+    const auto* wide = static_cast<const CRgba*>(row);
     for (std::size_t x = 0; x < width; ++x)
-        rgb[x] = image.mBits == 8 ? CPixel24T<unsigned char>{grey[x], grey[x], grey[x]}
-                                  : Flatten(wide[x]);
+        rgb[x] = image.mBits == 8 ? CRgb{grey[x], grey[x], grey[x]} : Flatten(wide[x]);
     return buffer.data();
 }
 

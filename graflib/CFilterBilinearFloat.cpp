@@ -1,0 +1,151 @@
+// Compiled without contraction of products and sums into one operation: a fused product isn't
+// rounded, and the results are defined by single precision, down to a 254 where all samples are
+// 255.
+#include "graflib/CFilterBilinearFloat.h"
+
+#include <algorithm>
+#include <iostream>
+#include <new>
+
+namespace {
+
+/// Runs of whole samples are summed as integers, this many at a time.
+constexpr int kGroup = 4;
+
+/// The weight of the first of the samples under a footprint that starts at `start`.
+template <typename F>
+F FirstWeight(F start, int first)
+{
+    return static_cast<F>(1.0 - static_cast<double>(start - static_cast<F>(first)));
+}
+
+}  // namespace
+
+template <typename T, typename F>
+F CFilterBilinearFloat<T, F>::RowSum(const T* samples, F start, F end) const
+{
+    // Running sums may drift beyond the last column: nothing is read there.
+    const int last = mSrcWidth - 1;
+    const auto sample = [this, samples](int column) {
+        return samples[std::ptrdiff_t{column} * mComponents];
+    };
+    const int first = std::min(static_cast<int>(start), last);
+    const F rest = end - static_cast<F>(first + 1);
+    const int full = std::clamp(static_cast<int>(rest), 0, last - first);
+    F sum = static_cast<F>(sample(first)) * FirstWeight(start, first);
+    int column = first + 1;
+    for (; column + kGroup <= first + 1 + full; column += kGroup)
+        sum += static_cast<F>(sample(column) + sample(column + 1) + sample(column + 2) +
+                              sample(column + 3));
+    for (; column <= first + full; ++column)
+        sum += static_cast<F>(sample(column));
+    const F part = std::min(rest - static_cast<F>(full), F{1});
+    // A negative part takes back what the first sample counted too much.
+    const int partial = part > 0 ? std::min(column, last) : column - 1;
+    return sum + static_cast<F>(sample(partial)) * part;
+}
+
+template <typename T, typename F>
+void CFilterBilinearFloat<T, F>::BilinearStageX(int component)
+{
+    F* result = mResultVectorX.get();
+    for (int row = 0; row < mSrcHeight; ++row) {
+        const T* samples = mSource + std::ptrdiff_t{row} * mSrcLineWidth * mComponents + component;
+        F start = 0;
+        F end = mScaleX;
+        for (int i = 0; i < mDstWidth; ++i, start += mScaleX, end += mScaleX)
+            *result++ = RowSum(samples, start, end);
+    }
+}
+
+/// Fills `sums` with the weighted sums of the rows of mResultVectorX from `start` to `end`.
+template <typename T, typename F>
+void CFilterBilinearFloat<T, F>::AddRows(F* sums, F start, F end) const
+{
+    const int last = mSrcHeight - 1;
+    const auto row = [this](int index) {
+        return mResultVectorX.get() + std::ptrdiff_t{index} * mDstWidth;
+    };
+    int index = std::min(static_cast<int>(start), last);
+    const F weight = FirstWeight(start, index);
+    for (int i = 0; i < mDstWidth; ++i)
+        sums[i] = row(index)[i] * weight;
+    F rest = end - static_cast<F>(index + 1);
+    for (; rest >= 1 && index < last; rest -= 1) {
+        const F* next = row(++index);
+        for (int i = 0; i < mDstWidth; ++i)
+            sums[i] += next[i];
+    }
+    rest = std::min(rest, F{1});
+    const F* partial = row(rest > 0 ? std::min(index + 1, last) : index);
+    for (int i = 0; i < mDstWidth; ++i)
+        sums[i] = sums[i] + partial[i] * rest;
+}
+
+template <typename T, typename F>
+void CFilterBilinearFloat<T, F>::BilinearStageY(int component)
+{
+    const F area = mScaleX * mScaleY;
+    const auto sums = std::make_unique<F[]>(static_cast<std::size_t>(mDstWidth));
+    T* result = mResultVectorY.get() + component;
+    F start = 0;
+    F end = mScaleY;
+    for (int j = 0; j < mDstHeight; ++j, start += mScaleY, end += mScaleY) {
+        AddRows(sums.get(), start, end);
+        for (int i = 0; i < mDstWidth; ++i, result += mComponents)
+            *result = static_cast<T>(static_cast<int>(sums[static_cast<std::size_t>(i)] / area));
+    }
+}
+
+template <typename T, typename F>
+bool CFilterBilinearFloat<T, F>::Allocate()
+{
+    const auto length = [this](int height) {
+        return (static_cast<std::size_t>(mDstWidth) + 1) * (static_cast<std::size_t>(height) + 1) *
+               static_cast<std::size_t>(mComponents);
+    };
+    mResultVectorX.reset(new (std::nothrow) F[length(mSrcHeight)]);
+    mResultVectorY.reset(new (std::nothrow) T[length(mDstHeight)]);
+    if (!mResultVectorX)
+        std::cout << "***** insufficent memory in DownScale mResultVectorX=NULL" << std::endl;
+    if (!mResultVectorY)
+        std::cout << "***** insufficent memory in DownScale mResultVectorY=NULL" << std::endl;
+    return mResultVectorX && mResultVectorY;
+}
+
+template <typename T, typename F>
+T* CFilterBilinearFloat<T, F>::DownScale(T* source, int srcWidth, int srcHeight, int dstWidth,
+                                         int dstHeight, int components, int srcLineWidth,
+                                         void (*progress)())
+{
+    if (std::min({srcWidth, srcHeight, dstWidth, dstHeight, components}) < 1)
+        return nullptr;
+    mSrcWidth = srcWidth;
+    mSrcHeight = srcHeight;
+    mSrcLineWidth = srcLineWidth;
+    mDstWidth = dstWidth;
+    mDstHeight = dstHeight;
+    mComponents = components;
+    mScaleX = static_cast<F>(srcWidth) / static_cast<F>(dstWidth);
+    mScaleY = static_cast<F>(srcHeight) / static_cast<F>(dstHeight);
+    mSource = source;
+    mProgress = progress;
+    const bool allocated = Allocate();
+    for (int component = 0; allocated && component < mComponents; ++component) {
+        if (mProgress)
+            mProgress();
+        BilinearStageX(component);
+        if (mProgress)
+            mProgress();
+        BilinearStageY(component);
+    }
+    mResultVectorX.reset();
+    T* result = mResultVectorY.release();
+    if (allocated)
+        return result;
+    delete[] result;
+    return nullptr;
+}
+
+template class CFilterBilinearFloat<unsigned char, float>;
+template class CFilterBilinearFloat<short, float>;

@@ -1,0 +1,46 @@
+// Orientation, channel order and palettes.
+#include <algorithm>
+#include <iostream>
+
+#include "graflib/CGraflib.h"
+#include "graflib/PixelWalk.h"
+
+void CGraflib::Yflip()
+{
+    const std::size_t rowBytes = RowBytes();
+    for (int upper = 0, lower = mHeight - 1; upper < lower; ++upper, --lower) {
+        unsigned char* row = mData + static_cast<std::size_t>(upper) * rowBytes;
+        std::swap_ranges(row, row + rowBytes, mData + static_cast<std::size_t>(lower) * rowBytes);
+    }
+}
+
+void CGraflib::SwapRedBlue()
+{
+    if (mBits == 24) {
+        for (CRgb& pixel : PixelsOf<CRgb>(*this))
+            pixel.SwapRedBlue();
+    } else if (mBits == 32) {
+        for (CRgba& pixel : PixelsOf<CRgba>(*this))
+            pixel.SwapRedBlue();
+    } else {
+        std::cout << "***** CGraflib::SwapRedBlue: not 24 or 32 bit" << std::endl;
+    }
+}
+
+void CGraflib::ConvertPalToRGB(const CRgb* palette)
+{
+    CNewPixels<CRgb> pixels(PixelCount());
+    for (std::size_t i = 0; i < pixels.Count(); ++i)
+        pixels[i] = palette[mData[i]];
+    ReplaceBuffer(pixels.Release(), mWidth, mHeight, 24);
+}
+
+void CGraflib::ConvertPalToRGBA(const CRgb* palette, const unsigned char* alpha)
+{
+    CNewPixels<CRgba> pixels(PixelCount());
+    for (std::size_t i = 0; i < pixels.Count(); ++i) {
+        const CRgb& colour = palette[mData[i]];
+        pixels[i] = {colour.mRed, colour.mGreen, colour.mBlue, alpha[mData[i]]};
+    }
+    ReplaceBuffer(pixels.Release(), mWidth, mHeight, 32);
+}

@@ -1,0 +1,37 @@
+// The float box filter, applied to an image.
+#include <cstring>
+
+#include "graflib/CFilterBilinearFloat.h"
+#include "graflib/CGraflib.h"
+
+template <typename Tsample>
+unsigned char* CGraflib::DownScaleFloat(int width, int height)
+{
+    if (!mData)
+        return nullptr;
+    CFilterBilinearFloat<Tsample, float> filter;
+    const int components = mBits / (8 * static_cast<int>(sizeof(Tsample)));
+    const std::unique_ptr<Tsample[]> samples(filter.DownScale(reinterpret_cast<Tsample*>(mData),
+                                                              mWidth, mHeight, width, height,
+                                                              components, mWidth, nullptr));
+    if (!samples)
+        return nullptr;
+    // The record's buffer is an array of bytes of exactly its size, which the filter's isn't.
+    const CDataRect result{nullptr, width, height, mBits};
+    auto pixels = std::make_unique_for_overwrite<unsigned char[]>(result.Bytes());
+    std::memcpy(pixels.get(), samples.get(), result.Bytes());
+    return ReplaceBuffer(std::move(pixels), width, height, mBits);
+}
+
+unsigned char* CGraflib::DownScale(int width, int height)
+{
+    switch (mBits) {
+        case 8:
+        case 24:
+            return DownScaleFloat<unsigned char>(width, height);
+        case 16:
+            return DownScaleFloat<short>(width, height);
+        default:
+            return nullptr;
+    }
+}
