@@ -97,11 +97,11 @@ Bytes DecodeJpeg(const std::string& jpeg)
     return pixels;
 }
 
-SRun RunTessel(const std::string& arguments, const std::string& folder)
+SRun RunProgram(const std::string& program, const std::string& arguments, const std::string& folder)
 {
     const TempFolder output;
-    const std::string command = "cd " + folder + " && env -i " TESSEL_PROGRAM " " + arguments +
-                                " >" + output / "out" + " 2>" + output / "err";
+    const std::string command = "cd " + folder + " && env -i " + program + " " + arguments + " >" +
+                                output / "out" + " 2>" + output / "err";
     const int status = std::system(command.c_str());
     return {status, ReadAll(output / "out"), ReadAll(output / "err")};
 }

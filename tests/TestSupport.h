@@ -70,8 +70,13 @@ struct SRun
     std::string mOut;
     std::string mErr;
 };
-/// Runs the program with a shell's words in a folder, with nothing in its environment.
-SRun RunTessel(const std::string& arguments, const std::string& folder = "/");
+/// Runs a program with a shell's words in a folder, with nothing in its environment.
+SRun RunProgram(const std::string& program, const std::string& arguments,
+                const std::string& folder = "/");
+inline SRun RunTessel(const std::string& arguments, const std::string& folder = "/")
+{
+    return RunProgram(TESSEL_PROGRAM, arguments, folder);
+}
 
 /// What a call writes to standard output.
 template <typename Call>
