@@ -75,7 +75,9 @@ void CTessel::WriteDbase(const char* path)
     if (!file.good())
         return;
     for (const SFileInfo& info : mFileInfoSet) {
-        if (info.mName.find_first_of(kUnstorable) == std::string::npos)
-            file << info.mName << kSeparator << info.mTime << std::endl;
+        if (info.mName.find_first_of(kUnstorable) != std::string::npos)
+            continue;
+        const std::string line = info.mName + kSeparator + std::to_string(info.mTime) + '\n';
+        file.write(line.data(), static_cast<std::streamsize>(line.size())).flush();
     }
 }

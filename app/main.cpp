@@ -1,3 +1,5 @@
+#include <malloc.h>
+
 #include <cstring>
 #include <iostream>
 
@@ -15,6 +17,15 @@ void ShowUsage()
     std::cout << "       Version " TESSEL_VERSION << std::endl;
 }
 
+/// Lets the allocator keep the memory of one picture for the next. By default it would give it
+/// back to the system and get it again, page by page and cleared, which costs a fifth of a run.
+void KeepMemory()
+{
+    constexpr int kLargestBlock = 1 << 30;
+    mallopt(M_MMAP_THRESHOLD, kLargestBlock);
+    mallopt(M_TRIM_THRESHOLD, kLargestBlock);
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
@@ -23,6 +34,7 @@ int main(int argc, char** argv)
         ShowUsage();
         return 0;
     }
+    KeepMemory();
     CTessel tessel;
     CStringTool text;
     // The last argument is the folder and has no value behind it.

@@ -58,7 +58,7 @@ public:
     ///
     /// Returns the new buffer, which is then mData. Returns null and leaves the image as it was
     /// for another depth (after a line beginning "***** "), an empty image, a target side below 1
-    /// and a source side above 2^29. Writes "ScaleFakt=", the area ratio (24 bits only), and
+    /// and a source side above 2^22. Writes "ScaleFakt=", the area ratio (24 bits only), and
     /// "sizeof(Tpixel)=", the bytes of a pixel, a line each.
     unsigned char* DownScaleFix2(int width, int height);
 

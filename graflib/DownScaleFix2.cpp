@@ -15,7 +15,8 @@
 // In a full column the weight is wy itself, so the column's weighted sum is the same for every
 // destination pixel: it is formed once per destination row (mWeighted), in flat loops. In the first
 // and last column the cut of the shift matters only at the corners, as the weight of a full row is
-// wx itself: such a column is wx times the sum of the full rows (mFull) plus its two corners.
+// wx itself: such a column is wx times the sum of the full rows (mFull) plus its two corners. Both
+// sums make up the cache in the parameter record that is renewed when y changes.
 #include <algorithm>
 #include <climits>
 #include <cstddef>
@@ -43,6 +44,12 @@ constexpr struct
 constexpr int kLowestShift = 2;
 static_assert(16.0 * (1 << 16) * UCHAR_MAX < 0x1p31 && 256.0 * (1 << 8) * UCHAR_MAX < 0x1p31 &&
               1024.0 * (1 << 4) * UCHAR_MAX < 0x1p31);
+
+/// The longest source side, so that the weighted sum of a column of 8-bit samples fits in 32 bits
+/// wherever it is used: where a destination pixel has full columns, the thresholds above keep the
+/// column short, except at the lowest precision. (16-bit samples are summed in 64 bits.)
+constexpr int kLongestSide = 1 << 22;
+static_assert(std::int64_t{kLongestSide} * (1 << kLowestShift) * UCHAR_MAX <= UINT32_MAX);
 
 /// True when every position along the side fits in 32 bits with SHIFT fraction bits.
 constexpr bool FitsSide(int side, int shift)
@@ -81,11 +88,54 @@ SSpan SpanOf(int index, CFixT<SHIFT> step)
     return {start.Integer(), end.Integer(), CFixT<SHIFT>::kOne - start.Fraction(), end.Fraction()};
 }
 
-template <typename Tsum, typename Tvalue>
-void AddTo(std::vector<Tsum>& sums, const Tvalue* values)
+// The flat loops, compiled once for every x86-64 and once for those with wider registers; the
+// machine picks its version when the program starts. All is integers: the results are the same.
+// (Clang 14 can't do this for templates.)
+#if defined(__x86_64__) && defined(__gnu_linux__) && !defined(__clang__)
+#define TESSEL_VERSIONS [[gnu::target_clones("avx2", "default")]]
+#else
+#define TESSEL_VERSIONS
+#endif
+
+/// sums[i] = KEEP * sums[i] + the samples at i of ROWS neighbouring rows.
+template <bool KEEP, int ROWS, typename Tpart, typename Tsample>
+TESSEL_VERSIONS void AddRows(Tpart* __restrict sums, const Tsample* row, std::size_t samples)
 {
-    for (std::size_t i = 0; i < sums.size(); ++i)
-        sums[i] = static_cast<Tsum>(sums[i] + values[i]);
+    for (std::size_t i = 0; i < samples; ++i) {
+        Tpart sum = KEEP ? sums[i] : Tpart{0};
+        for (std::size_t r = 0; r < ROWS; ++r)
+            sum = static_cast<Tpart>(sum + row[r * samples + i]);
+        sums[i] = sum;
+    }
+}
+
+/// Rows added at once, which saves most of the traffic to and from the sums.
+constexpr int kAtOnce = 4;
+
+/// Sums `count` neighbouring rows, at most kRowsPerPart, into rows.mPart.
+template <typename Tsample>
+void SumPart(SCollapsedRows<Tsample>& rows, const Tsample* row, int count)
+{
+    auto* sums = rows.mPart.data();
+    const std::size_t samples = rows.mPart.size();
+    const int rest = count % kAtOnce;
+    switch (rest) {
+        case 0:
+            AddRows<false, 0>(sums, row, samples);
+            break;
+        case 1:
+            AddRows<false, 1>(sums, row, samples);
+            break;
+        case 2:
+            AddRows<false, 2>(sums, row, samples);
+            break;
+        default:
+            AddRows<false, 3>(sums, row, samples);
+            break;
+    }
+    row += static_cast<std::size_t>(rest) * samples;
+    for (int i = rest; i < count; i += kAtOnce, row += kAtOnce * samples)
+        AddRows<true, kAtOnce>(sums, row, samples);
 }
 
 /// Sums `count` neighbouring rows into rows.mFull. The narrow partial sums are what makes this
@@ -97,20 +147,30 @@ void SumFullRows(SCollapsedRows<Tsample>& rows, const Tsample* row, int count)
     static_assert(Rows::kRowsPerPart * std::numeric_limits<Tsample>::max() <=
                   std::numeric_limits<typename Rows::Part>::max());
     const std::size_t samples = rows.mFull.size();
-    std::fill(rows.mFull.begin(), rows.mFull.end(), 0);
-    while (count > 0) {
-        std::fill(rows.mPart.begin(), rows.mPart.end(), typename Rows::Part{0});
-        const int part = std::min(count, Rows::kRowsPerPart);
-        for (int i = 0; i < part; ++i, row += samples)
-            AddTo(rows.mPart, row);
-        AddTo(rows.mFull, rows.mPart.data());
-        count -= part;
+    SumPart(rows, row, std::min(count, Rows::kRowsPerPart));
+    AddRows<false, 1>(rows.mFull.data(), rows.mPart.data(), samples);
+    for (count -= Rows::kRowsPerPart; count > 0; count -= Rows::kRowsPerPart) {
+        row += Rows::kRowsPerPart * samples;
+        SumPart(rows, row, std::min(count, Rows::kRowsPerPart));
+        AddRows<true, 1>(rows.mFull.data(), rows.mPart.data(), samples);
     }
+}
+
+/// weighted = full * ONE + top * topWeight + bottom * bottomWeight, sample by sample.
+template <int SHIFT, typename Tsample, typename Ttotal>
+TESSEL_VERSIONS void WeighRows(Ttotal* __restrict weighted, const Ttotal* full, const Tsample* top,
+                               const Tsample* bottom, Ttotal topWeight, Ttotal bottomWeight,
+                               std::size_t samples)
+{
+    for (std::size_t i = 0; i < samples; ++i)
+        weighted[i] = (full[i] << SHIFT) + topWeight * static_cast<Ttotal>(top[i]) +
+                      bottomWeight * static_cast<Ttotal>(bottom[i]);
 }
 
 /// Renews params->mRows for destination row y.
 template <int SHIFT, typename Tpixel>
-void CollapseRows(SScaleParams<SHIFT, Tpixel>* params, const typename Tpixel::Sample* source, int y)
+[[gnu::noinline]] void CollapseRows(SScaleParams<SHIFT, Tpixel>* params,
+                                    const typename Tpixel::Sample* source, int y)
 {
     auto& rows = params->mRows;
     const std::size_t samples = static_cast<std::size_t>(params->mSrcWidth) * Tpixel::kComponents;
@@ -118,18 +178,23 @@ void CollapseRows(SScaleParams<SHIFT, Tpixel>* params, const typename Tpixel::Sa
     rows.mFull.resize(samples);
     rows.mWeighted.resize(samples);
 
+    const auto row = [source, samples](int index) {
+        return source + static_cast<std::size_t>(index) * samples;
+    };
     const SSpan span = SpanOf(y, params->mStepY);
-    rows.mTop = source + static_cast<std::size_t>(span.mFirst) * samples;
-    rows.mTopWeight = span.mFirstWeight;
+    // A first row that is covered whole is one of the full rows.
+    const bool whole = span.mFirstWeight == CFixT<SHIFT>::kOne;
+    const int firstFull = span.mFirst + (whole ? 0 : 1);
+    rows.mTop = row(span.mFirst);
+    rows.mTopWeight = whole ? 0 : span.mFirstWeight;
+    rows.mBottom = row(span.mLastWeight == 0 ? span.mFirst : span.mLast);
     rows.mBottomWeight = span.mLastWeight;
-    rows.mBottom =
-        span.mLastWeight == 0 ? rows.mTop : source + static_cast<std::size_t>(span.mLast) * samples;
-    SumFullRows(rows, rows.mTop + samples, span.mLast - span.mFirst - 1);
-    for (std::size_t i = 0; i < samples; ++i) {
-        rows.mWeighted[i] = rows.mFull[i] * CFixT<SHIFT>::kOne +
-                            std::int64_t{rows.mTopWeight} * rows.mTop[i] +
-                            std::int64_t{rows.mBottomWeight} * rows.mBottom[i];
-    }
+    SumFullRows(rows, row(firstFull), std::max(span.mLast, span.mFirst + 1) - firstFull);
+    using Total = typename SCollapsedRows<typename Tpixel::Sample>::Total;
+    WeighRows<SHIFT>(rows.mWeighted.data(), rows.mFull.data(), rows.mTop, rows.mBottom,
+                     static_cast<Total>(rows.mTopWeight), static_cast<Total>(rows.mBottomWeight),
+                     samples);
+    params->mDivisor = CAreaT<SHIFT>(CFixT<SHIFT>::WideProduct(params->mStepX, params->mStepY));
     rows.mY = y;
 }
 
@@ -148,6 +213,15 @@ int Nearest(int index, int destSide, int sourceSide)
         middle / std::max<std::int64_t>(2 * std::int64_t{destSide}, 1), sourceSide - 1));
 }
 
+/// What the average comes to where the footprint's area vanishes.
+template <int SHIFT, typename Tpixel>
+Tpixel NearestPixel(const SScaleParams<SHIFT, Tpixel>& params, const Tpixel* pixels, int x, int y)
+{
+    const auto row = std::ptrdiff_t{Nearest(y, params.mDestHeight, params.mSrcHeight)};
+    const auto column = std::ptrdiff_t{Nearest(x, params.mDestWidth, params.mSrcWidth)};
+    return pixels[row * params.mSrcWidth + column];
+}
+
 }  // namespace
 
 template <int SHIFT, typename Tfix, typename Tpixel>
@@ -157,39 +231,39 @@ void CGraflib::GetScaledPicturePixel(SScaleParams<SHIFT, Tpixel>* params, int x,
     constexpr int kComponents = Tpixel::kComponents;
     const auto* source = reinterpret_cast<const Sample*>(mData);
 
-    const std::int64_t area = CFixT<SHIFT>::WideProduct(params->mStepX, params->mStepY);
-    if (area == 0) {
-        const auto row =
-            static_cast<std::size_t>(Nearest(y, params->mDestHeight, params->mSrcHeight));
-        const auto column =
-            static_cast<std::size_t>(Nearest(x, params->mDestWidth, params->mSrcWidth));
-        *params->mDest = reinterpret_cast<const Tpixel*>(
-            mData)[row * static_cast<std::size_t>(params->mSrcWidth) + column];
-        return;
-    }
     if (params->mRows.mY != y)
         CollapseRows(params, source, y);
+    if (params->mDivisor.IsZero()) {
+        *params->mDest = NearestPixel(*params, reinterpret_cast<const Tpixel*>(mData), x, y);
+        return;
+    }
 
     const auto& rows = params->mRows;
+    const auto* const full = rows.mFull.data();
+    const auto* const weighted = rows.mWeighted.data();
+    const Sample* const top = rows.mTop;
+    const Sample* const bottom = rows.mBottom;
+    const std::int32_t topWeight = rows.mTopWeight;
+    const std::int32_t bottomWeight = rows.mBottomWeight;
     Tfix sums;
-    sums.Clear();
-    const auto addEdge = [&rows, &sums](int column, std::int32_t weight) {
+    const auto addEdge = [=, &sums](int column, std::int32_t weight) {
         const std::ptrdiff_t i = std::ptrdiff_t{column} * kComponents;
-        sums.Add(rows.mFull.data() + i, weight);
-        sums.Add(rows.mTop + i, CornerWeight<SHIFT>(weight, rows.mTopWeight));
-        sums.Add(rows.mBottom + i, CornerWeight<SHIFT>(weight, rows.mBottomWeight));
+        sums.Add(full + i, weight);
+        sums.Add(top + i, CornerWeight<SHIFT>(weight, topWeight));
+        sums.Add(bottom + i, CornerWeight<SHIFT>(weight, bottomWeight));
     };
     const SSpan span = SpanOf(x, params->mStepX);
     addEdge(span.mFirst, span.mFirstWeight);
     for (int column = span.mFirst + 1; column < span.mLast; ++column)
-        sums.Add(rows.mWeighted.data() + std::ptrdiff_t{column} * kComponents, 1);
+        sums.Add(weighted + std::ptrdiff_t{column} * kComponents, 1);
     if (span.mLastWeight != 0)
         addEdge(span.mLast, span.mLastWeight);
-    sums.Store(area, params->mDest);
+    sums.Store(params->mDivisor, params->mDest);
 }
 
+// Flattened: a call for every pixel would cost as much as half of its sums.
 template <int SHIFT, typename Tfix, typename Tpixel>
-void CGraflib::DownScalePicture(Tpixel* dest, int width, int height)
+[[gnu::flatten]] void CGraflib::DownScalePicture(Tpixel* dest, int width, int height)
 {
     std::cout << "sizeof(Tpixel)=" << sizeof(Tpixel) << std::endl;
     if (width <= 0 || height <= 0)
@@ -215,7 +289,7 @@ template <template <int> class Tfix, typename Tpixel>
 unsigned char* CGraflib::DownScaleDepth(int width, int height)
 {
     if (width < 1 || height < 1 || mWidth < 1 || mHeight < 1 || !mData ||
-        !FitsSide(std::max(mWidth, mHeight), kLowestShift))
+        std::max(mWidth, mHeight) > kLongestSide)
         return nullptr;
     auto pixels = std::make_unique_for_overwrite<unsigned char[]>(
         static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * sizeof(Tpixel));

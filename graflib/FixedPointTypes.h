@@ -40,6 +40,48 @@ struct CFixT
     std::int32_t Fraction() const { return mValue & kMask; }
 };
 
+/// A footprint's area, by which the sums of a picture's samples are divided.
+///
+/// A quotient with SHIFT fraction bits, halves rounded up, is floor((2 * sum + area) / (2 * area))
+/// for sums from 0 on. This division is a product with the reciprocal, rounded up: that adds less
+/// than dividend / 2^64, and a quotient by 2 * area is at least 1 / (2 * area) short of the next
+/// whole number, so the result is exact while dividend * 2 * area stays below 2^64.
+template <int SHIFT>
+class CAreaT
+{
+public:
+    CAreaT() = default;
+    explicit CAreaT(std::int64_t area) : mArea(area)
+    {
+        if (area != 0)
+            mReciprocal = ~std::uint64_t{0} / static_cast<std::uint64_t>(2 * area) + 1;
+    }
+
+    bool IsZero() const { return mArea == 0; }
+
+    /// The mean of samples of type Tsample whose weighted sum is `sum`.
+    template <typename Tsample>
+    Tsample Mean(std::int64_t sum) const
+    {
+        // The sum is at most the area times the largest sample, which bounds the dividend.
+        constexpr std::int64_t kExact = sizeof(Tsample) == 1 ? 1 << 27 : 1 << 23;
+        if ((std::is_signed_v<Tsample> && sum < 0) || mArea >= kExact)
+            return static_cast<Tsample>(LongMean(sum));
+        __extension__ using Wide = unsigned __int128;
+        const Wide dividend = static_cast<std::uint64_t>(2 * sum + mArea);
+        return static_cast<Tsample>(dividend * mReciprocal >> 64);
+    }
+
+private:
+    std::int64_t LongMean(std::int64_t sum) const
+    {
+        return (sum * CFixT<SHIFT>::kOne / mArea + CFixT<SHIFT>::kHalf) >> SHIFT;
+    }
+
+    std::int64_t mArea = 0;
+    std::uint64_t mReciprocal = 0;
+};
+
 /// One accumulator per component of a pixel. 64 bits, because 32 would overflow with 16-bit
 /// samples, and with 8-bit ones where a pixel stands for more than two million.
 template <int SHIFT, int COUNT>
@@ -61,15 +103,12 @@ struct CPixelNfixT
             mSums[k] += std::int64_t{weight} * samples[k];
     }
 
-    /// Writes each sum divided by the footprint's area (above 0), halves rounded up.
+    /// Writes each sum divided by the footprint's area, halves rounded up.
     template <typename Tpixel>
-    void Store(std::int64_t area, Tpixel* dest) const
+    void Store(const CAreaT<SHIFT>& area, Tpixel* dest) const
     {
-        for (int k = 0; k < COUNT; ++k) {
-            const auto quotient = static_cast<std::int32_t>(mSums[k] * CFixT<SHIFT>::kOne / area);
-            const int roundUp = (quotient & CFixT<SHIFT>::kMask) >= CFixT<SHIFT>::kHalf ? 1 : 0;
-            dest->mSamples[k] = static_cast<typename Tpixel::Sample>((quotient >> SHIFT) + roundUp);
-        }
+        for (int k = 0; k < COUNT; ++k)
+            dest->mSamples[k] = area.template Mean<typename Tpixel::Sample>(mSums[k]);
     }
 };
 
@@ -88,15 +127,17 @@ struct SCollapsedRows
     /// Twice as wide as a sample: room for the sum of kRowsPerPart samples.
     using Part = std::conditional_t<sizeof(Tsample) == 1, std::uint16_t, std::int32_t>;
     static constexpr int kRowsPerPart = 256;
+    using Weight = std::conditional_t<sizeof(Tsample) == 1, std::uint16_t, std::int32_t>;
+    using Total = std::conditional_t<sizeof(Tsample) == 1, std::uint32_t, std::int64_t>;
 
     int mY = -1;                       ///< the destination row; -1 while there is none
     const Tsample* mTop = nullptr;     ///< the first row, of which mTopWeight is covered
     const Tsample* mBottom = nullptr;  ///< the last row, of which mBottomWeight is covered
     std::int32_t mTopWeight = 0;
     std::int32_t mBottomWeight = 0;
-    std::vector<Part> mPart;              ///< work space: the sum of up to kRowsPerPart rows
-    std::vector<std::int64_t> mFull;      ///< the sum of the rows between top and bottom
-    std::vector<std::int64_t> mWeighted;  ///< the sum of all rows, each times its weight
+    std::vector<Part> mPart;       ///< work space: the sum of up to kRowsPerPart rows
+    std::vector<Total> mFull;      ///< the sum of the rows between top and bottom
+    std::vector<Total> mWeighted;  ///< the sum of all rows, each times its weight
 };
 
 /// What CGraflib::DownScalePicture works out once and CGraflib::GetScaledPicturePixel uses for
@@ -111,7 +152,8 @@ struct SScaleParams
     CFixT<SHIFT> mArea;       ///< source pixels per destination pixel
     Tpixel* mDest = nullptr;  ///< the destination pixel that the next call writes
 
-    int mDestWidth = 0;  ///< in pixels; the target size matters only where mArea vanishes
+    CAreaT<SHIFT> mDivisor;  ///< mArea without its limit to 32 bits; renewed with mRows
+    int mDestWidth = 0;      ///< in pixels; the target size matters only where mArea vanishes
     int mDestHeight = 0;
     SCollapsedRows<typename Tpixel::Sample> mRows;
 };

@@ -143,28 +143,27 @@ bool CGraphicsJpeg::LinesRemain() const
            mState->mDecompressor.output_scanline < mState->mDecompressor.output_height;
 }
 
-/// Decodes the next row into the row buffer; ends the read when that fails.
-bool CGraphicsJpeg::DecodeLine()
+/// Decodes the next row to `row`; ends the read when that fails.
+bool CGraphicsJpeg::DecodeLine(unsigned char* row)
 {
     SJpegState& state = *mState;
     const bool ok = Guarded(
-        state, [&state] { jpeg_read_scanlines(&state.mDecompressor, state.mRow, kOneRow); });
+        state, [&state, &row] { jpeg_read_scanlines(&state.mDecompressor, &row, kOneRow); });
     if (!ok)
         EndRead(state);
     return ok;
 }
 
+/// Steps over the row that was decoded straight into the picture. A copy out of a row buffer, cold
+/// memory being written, would cost a tenth of the decoding.
 void CGraphicsJpeg::put_scanline()
 {
-    SJpegState& state = *mState;
-    const auto rowBytes = static_cast<std::size_t>(state.mDecodedRowBytes);
-    std::memcpy(state.mWriteCursor, state.mRow[0], rowBytes);
-    state.mWriteCursor += rowBytes;
+    mState->mWriteCursor += mState->mDecodedRowBytes;
 }
 
 bool CGraphicsJpeg::ReadJpegLine()
 {
-    if (!DecodeLine())
+    if (!DecodeLine(mState->mWriteCursor))
         return false;
     put_scanline();
     return true;
@@ -172,7 +171,8 @@ bool CGraphicsJpeg::ReadJpegLine()
 
 bool CGraphicsJpeg::ReadJpegLine(void* line)
 {
-    if (!LinesRemain() || !DecodeLine())
+    // Through the row buffer, so that a row that fails leaves the caller's line alone.
+    if (!LinesRemain() || !DecodeLine(mState->mRow[0]))
         return false;
     std::memcpy(line, mState->mRow[0], static_cast<std::size_t>(mState->mDecodedRowBytes));
     return true;

@@ -80,7 +80,7 @@ private:
     std::FILE* OpenJpegFile(const char* fileName) const;
     bool InitJpegRead(int* width, int* height, int* components);
     bool LinesRemain() const;
-    bool DecodeLine();
+    bool DecodeLine(unsigned char* row);
     bool ReadJpegLine();
     void put_scanline();
     void CloseJpeg();

@@ -24,8 +24,8 @@ struct SJpegState
     jpeg_error_mgr mWriteErrors;  // ends the process
     std::FILE* mInput;            // null while no read is open
     std::FILE* mOutput;           // null while no line-wise write is open
-    JSAMPARRAY mRow;              // one decoded row, in the decompressor's image pool
-    unsigned char* mImageData;    // the caller's pixels: those being read, or those to encode
+    JSAMPARRAY mRow;            // one row, for line-wise reading, in the decompressor's image pool
+    unsigned char* mImageData;  // the caller's pixels: those being read, or those to encode
     int mDecodedRowBytes;
     int mTargetRowBytes;  // in mImageData; equal to mDecodedRowBytes, as nothing is scaled
     int mHeight;          // of the picture being encoded

@@ -1,5 +1,8 @@
 #include "util/CStringTool.h"
 
+#include <algorithm>
+#include <cctype>
+
 // By value, so that the text may be an element of `fields`, which growing moves.
 int CStringTool::SplitString(std::string text,  // NOLINT(performance-unnecessary-value-param)
                              std::vector<std::string>* fields, char separator)
@@ -21,4 +24,14 @@ void CStringTool::TrimString(std::string* text)
     text->pop_back();
     if (!text->empty())
         text->erase(0, 1);
+}
+
+/// Where std::from_chars finds the number: behind white space and one plus sign.
+const char* CStringTool::SkipToNumber(const std::string& text)
+{
+    const char* const end = text.data() + text.size();
+    const char* start = std::find_if_not(
+        text.data(), end, [](unsigned char character) { return std::isspace(character) != 0; });
+    const bool plus = end - start >= 2 && start[0] == '+' && start[1] != '-';
+    return plus ? start + 1 : start;
 }

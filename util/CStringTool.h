@@ -1,6 +1,8 @@
 #ifndef TESSEL_UTIL_CSTRINGTOOL_H
 #define TESSEL_UTIL_CSTRINGTOOL_H
 
+#include <charconv>
+#include <concepts>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -26,11 +28,20 @@ public:
     /// one that T cannot hold.
     template <typename T>
     static T StringTo(const std::string& text);
+
+private:
+    static const char* SkipToNumber(const std::string& text);
 };
 
 template <typename T>
 T CStringTool::StringTo(const std::string& text)
 {
+    // What a stream would read, without the cost of making one.
+    if constexpr (std::same_as<T, int> || std::same_as<T, long>) {
+        T value = 0;
+        std::from_chars(SkipToNumber(text), text.data() + text.size(), value);
+        return value;
+    }
     std::stringstream stream(text);
     T value{};
     return stream >> value ? value : T{};
