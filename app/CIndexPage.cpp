@@ -1,8 +1,13 @@
 #include "app/CIndexPage.h"
 
 #include "app/GalleryLayout.h"
+#include "app/OutputFile.h"
 
-CIndexPage::CIndexPage(const std::string& path) : mStream(path) {}
+CIndexPage::CIndexPage(const std::string& path)
+{
+    if (MakeWay(path.c_str()))
+        mStream.open(path);
+}
 
 void CIndexPage::WriteHead(const std::string& heading)
 {

@@ -11,7 +11,7 @@
 class CIndexPage
 {
 public:
-    /// Creates the page, or empties it.
+    /// Creates the page in the place of an old one.
     explicit CIndexPage(const std::string& path);
 
     void WriteHead(const std::string& heading);

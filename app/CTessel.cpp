@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "app/CIndexPage.h"
+#include "app/OutputFile.h"
 #include "util/CFileIO.h"
 
 void CTessel::CreateThumbs(const char* folder)
@@ -17,6 +18,7 @@ void CTessel::CreateThumbs(const char* folder)
     const std::string thumbPrefix = thumbFolder + "/";
     const std::string dbase = thumbPrefix + kDbaseFile;
     CIndexPage page(prefix + kPageFile);
+    RemoveLink(thumbFolder.c_str());
     files.CreateDir(thumbFolder.c_str());
     ReadDbase(dbase.c_str());
 

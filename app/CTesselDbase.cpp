@@ -1,15 +1,19 @@
 // The thumbnail database. Its grammar stands here alone: one line per picture, in ascending order
 // of names: the name, a TAB, the time in decimal, a line feed. Carriage returns are dropped when
-// reading, and what follows a second TAB is ignored.
+// reading, and what follows a second TAB is ignored. The file is written aside and put in place
+// when it is complete: a run that is killed loses no record.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <fstream>
 #include <utility>
 #include <vector>
 
 #include "app/CTessel.h"
+#include "app/OutputFile.h"
 #include "util/CFileIO.h"
 #include "util/CStringTool.h"
 
@@ -18,11 +22,35 @@ namespace {
 constexpr char kSeparator = '\t';
 constexpr const char* kUnstorable = "\t\n\r";  // in names: they would be read back as others
 
+/// Cuts a line behind its second field, so that a line of a million fields costs no more.
+void CutThirdField(std::string* line)
+{
+    const auto first = line->find(kSeparator);
+    if (first != std::string::npos)
+        line->resize(std::min(line->size(), line->find(kSeparator, first + 1)));
+}
+
+/// True when the whole database was written.
+bool WriteRecords(const std::string& path, const std::set<SFileInfo>& records)
+{
+    std::ofstream file;
+    if (MakeWay(path.c_str()))
+        file.open(path);
+    for (const SFileInfo& info : records) {
+        if (info.mName.find_first_of(kUnstorable) != std::string::npos)
+            continue;
+        const std::string line = info.mName + kSeparator + std::to_string(info.mTime) + '\n';
+        file.write(line.data(), static_cast<std::streamsize>(line.size())).flush();
+    }
+    return file.is_open() && file.good();
+}
+
 }  // namespace
 
 bool CTessel::GetUnixFileTime(const char* path, long* time)
 {
-    const int file = open(path, O_RDONLY | O_CLOEXEC);
+    // Without waiting: a FIFO would otherwise hold the run until somebody writes to it.
+    const int file = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (file < 0)
         return false;
     struct stat status = {};
@@ -53,12 +81,13 @@ bool CTessel::TestFile(const char* folder, const char* name)
 void CTessel::ReadDbase(const char* path)
 {
     CFileIO file;
-    if (!file.OpenFileRead(path, CFileIO::kBinary))
+    if (!IsReadable(path) || !file.OpenFileRead(path, CFileIO::kBinary))
         return;
     CStringTool text;
     std::string line;
     std::vector<std::string> fields;
     while (file.ReadLine(&line)) {
+        CutThirdField(&line);
         fields.clear();
         if (text.SplitString(line, &fields, kSeparator) < 2)
             continue;
@@ -71,13 +100,7 @@ void CTessel::ReadDbase(const char* path)
 
 void CTessel::WriteDbase(const char* path)
 {
-    std::ofstream file(path);
-    if (!file.good())
-        return;
-    for (const SFileInfo& info : mFileInfoSet) {
-        if (info.mName.find_first_of(kUnstorable) != std::string::npos)
-            continue;
-        const std::string line = info.mName + kSeparator + std::to_string(info.mTime) + '\n';
-        file.write(line.data(), static_cast<std::streamsize>(line.size())).flush();
-    }
+    const std::string draft = std::string(path) + ".new";
+    if (!WriteRecords(draft, mFileInfoSet) || std::rename(draft.c_str(), path) != 0)
+        unlink(draft.c_str());
 }

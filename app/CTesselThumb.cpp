@@ -4,6 +4,7 @@
 #include <new>
 
 #include "app/CTessel.h"
+#include "app/OutputFile.h"
 #include "jpeg/CGraflibJpeg.h"
 
 namespace {
@@ -41,7 +42,8 @@ void CTessel::MakeThumb(const char* source, const char* target, int size)
         image.Read(source, nullptr);
         ScaleToThumb(image, source, size < 1 ? kDefaultThumbSize : size);
         std::cout << "Writing " << target << std::endl;
-        image.Write(target, true, nullptr);
+        if (MakeWay(target))
+            image.Write(target, true, nullptr);
     } catch (const CGraflibException&) {
         // A picture that can't be read, or a thumbnail that can't be written, is left out.
     } catch (const std::bad_alloc&) {

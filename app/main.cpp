@@ -1,4 +1,6 @@
+#include <fcntl.h>
 #include <malloc.h>
+#include <unistd.h>
 
 #include <cstring>
 #include <iostream>
@@ -17,6 +19,17 @@ void ShowUsage()
     std::cout << "       Version " TESSEL_VERSION << std::endl;
 }
 
+/// Opens the standard descriptors that the caller left closed: the first files to be opened would
+/// get their numbers, and what is printed would end up in the page.
+void OpenStandardDescriptors()
+{
+    int file = open("/dev/null", O_RDWR);
+    while (file >= 0 && file <= STDERR_FILENO)
+        file = open("/dev/null", O_RDWR);
+    if (file > STDERR_FILENO)
+        close(file);
+}
+
 /// Lets the allocator keep the memory of one picture for the next. By default it would give it
 /// back to the system and get it again, page by page and cleared, which costs a fifth of a run.
 void KeepMemory()
@@ -30,6 +43,7 @@ void KeepMemory()
 
 int main(int argc, char** argv)
 {
+    OpenStandardDescriptors();
     if (argc < 2) {
         ShowUsage();
         return 0;

@@ -33,18 +33,18 @@ bool CGraflib::SeparateAlpha(CGraflib* color, CGraflib* alpha)
         return false;
     }
     const auto pixels = PixelsOf<CRgba>(*this);
-    CNewPixels<CRgb> colours(color ? PixelCount() : 0);
-    CNewPixels<unsigned char> alphas(alpha ? PixelCount() : 0);
-    for (std::size_t i = 0; i < colours.Count(); ++i)
-        colours[i] = pixels[i];
-    for (std::size_t i = 0; i < alphas.Count(); ++i)
-        alphas[i] = pixels[i].mAlpha;
     // What the records held before belongs to the caller.
     if (color) {
+        CNewPixels<CRgb> colours(PixelCount());
+        for (std::size_t i = 0; i < colours.Count(); ++i)
+            colours[i] = pixels[i];
         static_cast<CDataRect&>(*color) = {colours.Release().release(), mWidth, mHeight, 24};
         color->Show("COLOR");
     }
     if (alpha) {
+        CNewPixels<unsigned char> alphas(PixelCount());
+        for (std::size_t i = 0; i < alphas.Count(); ++i)
+            alphas[i] = pixels[i].mAlpha;
         static_cast<CDataRect&>(*alpha) = {alphas.Release().release(), mWidth, mHeight, 8};
         alpha->Show("ALPHA");
     }

@@ -1,16 +1,40 @@
 #include "jpeg/CGraphicsJpeg.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <climits>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
 #include "jpeg/SJpegState.h"
+// libjpeg's error codes, which need its types.
+#include <jerror.h>
 
 namespace {
 
 constexpr int kRgbComponents = 3;
 constexpr JDIMENSION kOneRow = 1;
 static_assert(CGraphicsJpeg::kMaxSide == JPEG_MAX_DIMENSION);
+
+// --- Opening files --------------------------------------------------------------------------
+
+/// Opens a regular file. Nothing else holds a picture, and a FIFO would hold the program until
+/// somebody writes to it.
+std::FILE* OpenRegularFile(const char* fileName)
+{
+    const int file = open(fileName, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0)
+        return nullptr;
+    struct stat status = {};
+    const bool regular = fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+    std::FILE* stream = regular ? fdopen(file, "rb") : nullptr;
+    if (!stream)
+        close(file);
+    return stream;
+}
 
 // --- Errors while reading ----------------------------------------------------------------------
 
@@ -39,16 +63,58 @@ void EndRead(SJpegState& state)
     state.mInput = nullptr;
 }
 
-/// Sets up the decompressor on state.mInput and reads the header. When that fails the read is
-/// ended.
+// Our own message beside libjpeg's, whose codes end well below.
+constexpr int kTooManyScans = 1000;
+constexpr const char* kOwnMessages[] = {"More than %d scans"};
+
+/// libjpeg calls this again and again while it reads the scans of a progressive file.
+void LimitScans(j_common_ptr codec)
+{
+    if (reinterpret_cast<j_decompress_ptr>(codec)->input_scan_number > CGraphicsJpeg::kMaxScans)
+        ERREXIT1(codec, kTooManyScans, CGraphicsJpeg::kMaxScans);
+}
+
+/// Bytes from the stream's position to the end of its file.
+std::uint64_t BytesLeft(std::FILE* stream)
+{
+    struct stat status = {};
+    const long position = std::ftell(stream);
+    if (fstat(fileno(stream), &status) != 0 || position < 0 || position > status.st_size)
+        return 0;
+    return static_cast<std::uint64_t>(status.st_size - position);
+}
+
+void LimitPixels(jpeg_decompress_struct& decompressor, std::uint64_t bytes)
+{
+    const std::uint64_t pixels =
+        std::uint64_t{decompressor.image_width} * decompressor.image_height;
+    if (pixels > CGraphicsJpeg::kMaxPixelsPerByte * bytes)
+        ERREXIT(&decompressor, JERR_INPUT_EOF);
+}
+
+void InitErrors(SJpegState& state)
+{
+    jpeg_error_mgr& errors = state.mReadErrors.mManager;
+    state.mDecompressor.err = jpeg_std_error(&errors);
+    errors.error_exit = JumpOut;
+    errors.addon_message_table = kOwnMessages;
+    errors.first_addon_message = kTooManyScans;
+    errors.last_addon_message = kTooManyScans;
+}
+
+/// Sets up the decompressor on state.mInput and reads the header. When that fails, also because
+/// the header claims more than the file can hold, the read is ended.
 bool ReadHeader(SJpegState& state)
 {
-    state.mDecompressor.err = jpeg_std_error(&state.mReadErrors.mManager);
-    state.mReadErrors.mManager.error_exit = JumpOut;
-    const bool ok = Guarded(state, [&state] {
+    InitErrors(state);
+    const std::uint64_t bytes = BytesLeft(state.mInput);
+    const bool ok = Guarded(state, [&state, bytes] {
         jpeg_create_decompress(&state.mDecompressor);
+        state.mProgress.progress_monitor = LimitScans;
+        state.mDecompressor.progress = &state.mProgress;
         jpeg_stdio_src(&state.mDecompressor, state.mInput);
         jpeg_read_header(&state.mDecompressor, TRUE);
+        LimitPixels(state.mDecompressor, bytes);
     });
     if (!ok)
         EndRead(state);
@@ -92,7 +158,7 @@ CGraphicsJpeg::~CGraphicsJpeg() = default;
 
 std::FILE* CGraphicsJpeg::OpenJpegFile(const char* fileName) const
 {
-    std::FILE* stream = std::fopen(fileName, "rb");
+    std::FILE* stream = OpenRegularFile(fileName);
     if (stream && mReadOffset != 0 && std::fseek(stream, mReadOffset, SEEK_SET) != 0) {
         std::fclose(stream);
         return nullptr;

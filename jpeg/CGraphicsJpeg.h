@@ -22,6 +22,13 @@ class CGraphicsJpeg
 public:
     static constexpr int kMaxSide = 65500;  ///< what libjpeg encodes at most, in pixels
 
+    /// Files that go beyond these limits count as damaged. Huffman coding spends a bit or more on a
+    /// block of 64 pixels, so a file can't hold more than 512 pixels a byte: a header that claims
+    /// twice that asks for memory and time that no picture will need.
+    static constexpr int kMaxPixelsPerByte = 1024;
+    /// Every scan costs a pass over the picture; encoders make about ten.
+    static constexpr int kMaxScans = 500;
+
     CGraphicsJpeg();
     CGraphicsJpeg(const CGraphicsJpeg&) = delete;
     CGraphicsJpeg& operator=(const CGraphicsJpeg&) = delete;
@@ -34,9 +41,10 @@ public:
     // --- Reading ---------------------------------------------------------------------------------
 
     /// Reads a whole picture into a new array, which belongs to the caller. Null when the file
-    /// can't be opened (without a message, width and height set to 0) or isn't a JPEG that libjpeg
-    /// decodes to its last row. Damage that libjpeg only warns about doesn't count. Throws
-    /// `std::bad_alloc` when there is no room for the pixels.
+    /// can't be opened (without a message, width and height set to 0), which goes for all but
+    /// regular files, or isn't a JPEG that libjpeg decodes to its last row. Damage that libjpeg
+    /// only warns about doesn't count. Throws `std::bad_alloc` when there is no room for the
+    /// pixels.
     unsigned char* ReadJpeg(const char* fileName, int* width, int* height, int* components);
     /// The same with the components left in mComponents; the last argument isn't used.
     unsigned char* ReadJpeg(const char* fileName, short* width, short* height, int);

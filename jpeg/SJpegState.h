@@ -22,6 +22,7 @@ struct SJpegState
     jpeg_compress_struct mCompressor;
     SJumpingErrors mReadErrors;   // jumps out of libjpeg
     jpeg_error_mgr mWriteErrors;  // ends the process
+    jpeg_progress_mgr mProgress;  // counts the scans read
     std::FILE* mInput;            // null while no read is open
     std::FILE* mOutput;           // null while no line-wise write is open
     JSAMPARRAY mRow;            // one row, for line-wise reading, in the decompressor's image pool
