@@ -26,23 +26,23 @@ F CFilterBilinearFloat<T, F>::RowSum(const T* samples, F start, F end) const
 {
     // Running sums may drift beyond the last column: nothing is read there.
     const int last = mSrcWidth - 1;
-    const auto sample = [this, samples](int column) {
-        return samples[std::ptrdiff_t{column} * mComponents];
-    };
     const int first = std::min(static_cast<int>(start), last);
     const F rest = end - static_cast<F>(first + 1);
     const int full = std::clamp(static_cast<int>(rest), 0, last - first);
-    F sum = static_cast<F>(sample(first)) * FirstWeight(start, first);
-    int column = first + 1;
-    for (; column + kGroup <= first + 1 + full; column += kGroup)
-        sum += static_cast<F>(sample(column) + sample(column + 1) + sample(column + 2) +
-                              sample(column + 3));
-    for (; column <= first + full; ++column)
-        sum += static_cast<F>(sample(column));
+
+    const std::ptrdiff_t step = mComponents;
+    const T* sample = samples + first * step;
+    F sum = static_cast<F>(*sample) * FirstWeight(start, first);
+    int left = full;
+    for (; left >= kGroup; left -= kGroup, sample += kGroup * step)
+        sum +=
+            static_cast<F>(sample[step] + sample[2 * step] + sample[3 * step] + sample[4 * step]);
+    for (; left > 0; --left, sample += step)
+        sum += static_cast<F>(sample[step]);
     const F part = std::min(rest - static_cast<F>(full), F{1});
     // A negative part takes back what the first sample counted too much.
-    const int partial = part > 0 ? std::min(column, last) : column - 1;
-    return sum + static_cast<F>(sample(partial)) * part;
+    const bool next = part > 0 && first + full < last;
+    return sum + static_cast<F>(sample[next ? step : 0]) * part;
 }
 
 template <typename T, typename F>

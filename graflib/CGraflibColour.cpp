@@ -5,6 +5,12 @@
 #include "graflib/CGraflib.h"
 #include "graflib/PixelWalk.h"
 
+namespace {
+
+constexpr std::size_t kPaletteSize = 256;
+
+}  // namespace
+
 void CGraflib::Yflip()
 {
     const std::size_t rowBytes = RowBytes();
@@ -29,18 +35,21 @@ void CGraflib::SwapRedBlue()
 
 void CGraflib::ConvertPalToRGB(const CRgb* palette)
 {
+    const auto indices = PixelsOf<unsigned char>(*this);
     CNewPixels<CRgb> pixels(PixelCount());
     for (std::size_t i = 0; i < pixels.Count(); ++i)
-        pixels[i] = palette[mData[i]];
+        pixels[i] = palette[indices[i]];
     ReplaceBuffer(pixels.Release(), mWidth, mHeight, 24);
 }
 
 void CGraflib::ConvertPalToRGBA(const CRgb* palette, const unsigned char* alpha)
 {
+    CRgba colours[kPaletteSize];
+    for (std::size_t k = 0; k < kPaletteSize; ++k)
+        colours[k] = {palette[k].mRed, palette[k].mGreen, palette[k].mBlue, alpha[k]};
+    const auto indices = PixelsOf<unsigned char>(*this);
     CNewPixels<CRgba> pixels(PixelCount());
-    for (std::size_t i = 0; i < pixels.Count(); ++i) {
-        const CRgb& colour = palette[mData[i]];
-        pixels[i] = {colour.mRed, colour.mGreen, colour.mBlue, alpha[mData[i]]};
-    }
+    for (std::size_t i = 0; i < pixels.Count(); ++i)
+        pixels[i] = colours[indices[i]];
     ReplaceBuffer(pixels.Release(), mWidth, mHeight, 32);
 }

@@ -1,0 +1,66 @@
+// The reader: whole, at an offset, line by line; then the scaler and the writer on what was read.
+#include <new>
+#include <vector>
+
+#include "fuzz/Fuzz.h"
+#include "jpeg/CGraflibJpeg.h"
+
+namespace {
+
+constexpr int kMostPixels = 1 << 20;  // so that an input takes milliseconds, not seconds
+constexpr int kThumbSize = 24;
+
+bool IsSmall(const char* path, int offset)
+{
+    CGraflibJpeg image;
+    return image.GetSize(path, offset, 0) && image.mWidth < kMostPixels / image.mHeight;
+}
+
+void ReadWhole(const char* path, int offset)
+{
+    CGraflibJpeg image;
+    const CPixelOwner owner(&image);
+    SFileReadInfo info;
+    info.mOffset = offset;
+    image.Read(path, &info);
+    Require(image.mData && image.mWidth > 0 && image.mHeight > 0, "a picture has pixels");
+    image.DownScaleFix2(kThumbSize, kThumbSize / 2);
+    const MemoryFile target("");
+    image.Write(target.Path().c_str(), true, nullptr);
+    Require(image.GetSize(target.Path().c_str(), 0, 0), "what is written can be read");
+}
+
+void ReadByLine(const char* path)
+{
+    CGraflibJpeg image;
+    image.OpenReadLine(path);
+    std::vector<unsigned char> line(image.RowBytes());
+    int lines = 0;
+    while (image.ReadLine(line.data()))
+        ++lines;
+    Require(lines <= image.mHeight, "there are no more lines than rows");
+    image.CloseReadLine();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    SilenceOutput();
+    const MemoryFile file(AsText(data, size));
+    const std::string path = file.Path();
+    const int offsets[] = {0, size == 0 ? 0 : data[size - 1]};
+    for (const int offset : offsets) {
+        try {
+            if (!IsSmall(path.c_str(), offset))
+                continue;
+            ReadWhole(path.c_str(), offset);
+            if (offset == 0)
+                ReadByLine(path.c_str());
+        } catch (const CGraflibException&) {
+            // A damaged picture, or one of a depth that isn't written.
+        } catch (const std::bad_alloc&) {
+        }
+    }
+    return 0;
+}
