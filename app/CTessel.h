@@ -18,7 +18,8 @@ struct SFileInfo
 /// The gallery builder: one per run, used by one thread. No file stays open between calls, and no
 /// failure is reported to the caller: a picture that can't be read or a file that can't be written
 /// is left out, and the rest is done. Only an error of the JPEG encoder, such as a full disk, ends
-/// the process.
+/// the process. Files are replaced, never written into, and links in their place are removed, not
+/// followed: that goes for the thumbnail folder, too.
 class CTessel
 {
 public:

@@ -30,19 +30,16 @@ void CutThirdField(std::string* line)
         line->resize(std::min(line->size(), line->find(kSeparator, first + 1)));
 }
 
-/// True when the whole database was written.
-bool WriteRecords(const std::string& path, const std::set<SFileInfo>& records)
+/// True when all records are in the file.
+bool WriteRecords(std::ofstream& file, const std::set<SFileInfo>& records)
 {
-    std::ofstream file;
-    if (MakeWay(path.c_str()))
-        file.open(path);
     for (const SFileInfo& info : records) {
         if (info.mName.find_first_of(kUnstorable) != std::string::npos)
             continue;
         const std::string line = info.mName + kSeparator + std::to_string(info.mTime) + '\n';
         file.write(line.data(), static_cast<std::streamsize>(line.size())).flush();
     }
-    return file.is_open() && file.good();
+    return file.good();
 }
 
 }  // namespace
@@ -100,7 +97,17 @@ void CTessel::ReadDbase(const char* path)
 
 void CTessel::WriteDbase(const char* path)
 {
+    if (!CanReplace(path))
+        return;
     const std::string draft = std::string(path) + ".new";
-    if (!WriteRecords(draft, mFileInfoSet) || std::rename(draft.c_str(), path) != 0)
-        unlink(draft.c_str());
+    std::ofstream file;
+    if (MakeWay(draft.c_str()))
+        file.open(draft);
+    if (file.is_open()) {
+        if (!WriteRecords(file, mFileInfoSet) || std::rename(draft.c_str(), path) != 0)
+            unlink(draft.c_str());
+    } else if (MakeWay(path)) {  // such as in a folder that can't be changed
+        file.open(path);
+        WriteRecords(file, mFileInfoSet);
+    }
 }

@@ -39,10 +39,12 @@ void CTessel::MakeThumb(const char* source, const char* target, int size)
     const CPixelOwner owner(&image);
     try {
         std::cout << "Reading " << source << std::endl;
+        if (!IsReadable(source))
+            return;
         image.Read(source, nullptr);
         ScaleToThumb(image, source, size < 1 ? kDefaultThumbSize : size);
         std::cout << "Writing " << target << std::endl;
-        if (MakeWay(target))
+        if (image.CanWrite() && MakeWay(target))
             image.Write(target, true, nullptr);
     } catch (const CGraflibException&) {
         // A picture that can't be read, or a thumbnail that can't be written, is left out.

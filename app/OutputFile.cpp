@@ -5,11 +5,21 @@
 
 #include <cerrno>
 
+bool CanReplace(const char* path)
+{
+    struct stat status = {};
+    if (lstat(path, &status) != 0)
+        return errno == ENOENT;
+    return S_ISREG(status.st_mode) || S_ISLNK(status.st_mode) || S_ISFIFO(status.st_mode) ||
+           S_ISSOCK(status.st_mode);
+}
+
 bool MakeWay(const char* path)
 {
+    if (!CanReplace(path))
+        return false;
     if (unlink(path) == 0 || errno == ENOENT)
         return true;
-    // In a folder that can't be changed, an old file of its own can still be rewritten.
     struct stat status = {};
     return lstat(path, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1;
 }

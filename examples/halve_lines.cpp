@@ -12,8 +12,8 @@ void HalveLines(CGraflibJpeg& in, CGraflibJpeg& out, int lines)
     const auto lineBytes = static_cast<int>(in.RowBytes());
     std::vector<unsigned char> pair(in.RowBytes() * 2);
     for (int i = 0; i < lines; ++i) {
-        in.ReadLine(pair.data());
-        in.ReadLine(pair.data() + lineBytes);
+        if (!in.ReadLine(pair.data()) || !in.ReadLine(pair.data() + lineBytes))
+            throw CGraflibException(GLIB_ERR_READ, "a row of the picture");
         in.DownScaleLine2(pair.data(), pair.data(), lineBytes);
         out.WriteLine(pair.data());
     }

@@ -86,14 +86,15 @@ template <typename T, typename F>
 void CFilterBilinearFloat<T, F>::BilinearStageY(int component)
 {
     const F area = mScaleX * mScaleY;
-    const auto sums = std::make_unique<F[]>(static_cast<std::size_t>(mDstWidth));
+    // Behind the rows of the horizontal stage there is room for one more.
+    F* const sums = mResultVectorX.get() + std::ptrdiff_t{mSrcHeight} * mDstWidth;
     T* result = mResultVectorY.get() + component;
     F start = 0;
     F end = mScaleY;
     for (int j = 0; j < mDstHeight; ++j, start += mScaleY, end += mScaleY) {
-        AddRows(sums.get(), start, end);
+        AddRows(sums, start, end);
         for (int i = 0; i < mDstWidth; ++i, result += mComponents)
-            *result = static_cast<T>(static_cast<int>(sums[static_cast<std::size_t>(i)] / area));
+            *result = static_cast<T>(static_cast<int>(sums[i] / area));
     }
 }
 

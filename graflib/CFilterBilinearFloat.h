@@ -39,11 +39,12 @@ public:
     int mSrcLineWidth = 0;  ///< pixels from one source row to the next
     int mDstWidth = 0;
     int mDstHeight = 0;
-    int mComponents = 0;                  ///< samples per pixel
-    F mScaleX = 0;                        ///< source pixels per destination pixel
-    F mScaleY = 0;                        ///< source rows per destination row
-    std::unique_ptr<F[]> mResultVectorX;  ///< one component at a time; null outside of a call
-    std::unique_ptr<T[]> mResultVectorY;  ///< the result; null outside of a call
+    int mComponents = 0;  ///< samples per pixel
+    F mScaleX = 0;        ///< source pixels per destination pixel
+    F mScaleY = 0;        ///< source rows per destination row
+    std::unique_ptr<F[]>
+        mResultVectorX;  ///< one component's rows and one more; null outside a call
+    std::unique_ptr<T[]> mResultVectorY;  ///< the result; null outside a call
     const T* mSource = nullptr;
     void (*mProgress)() = nullptr;
 

@@ -57,9 +57,9 @@ public:
     /// bits are used; from sixteen on, this may darken the result slightly.
     ///
     /// Returns the new buffer, which is then mData. Returns null and leaves the image as it was
-    /// for another depth (after a line beginning "***** "), an empty image, a target side below 1
-    /// and a source side above 2^22. Writes "ScaleFakt=", the area ratio (24 bits only), and
-    /// "sizeof(Tpixel)=", the bytes of a pixel, a line each.
+    /// for another depth (after a line beginning "***** "), an empty image, a target side below 1,
+    /// a source side above 2^29 and 2^22 source rows to a destination row. Writes "ScaleFakt=", the
+    /// area ratio (24 bits only), and "sizeof(Tpixel)=", the bytes of a pixel, a line each.
     unsigned char* DownScaleFix2(int width, int height);
 
     /// The walk over the destination pixels, in row order: fills `dest` with `width` x `height`
@@ -79,7 +79,7 @@ public:
     /// CFilterBilinearFloat, which cuts where DownScaleFix2 rounds). Takes depths of 8, 16 and 24
     /// bits. Returns the new buffer, which is then mData; null, leaving the image as it was, for
     /// another depth, an empty image, a target side below 1, and, after a line beginning "***** ",
-    /// when the filter runs out of memory.
+    /// when the filter runs out of memory (std::bad_alloc, if only its result can't be taken over).
     unsigned char* DownScale(int width, int height);
 
     /// Makes one line of half the width out of two lines of this image's depth (8, 16, 24 or 32)

@@ -45,11 +45,11 @@ constexpr int kLowestShift = 2;
 static_assert(16.0 * (1 << 16) * UCHAR_MAX < 0x1p31 && 256.0 * (1 << 8) * UCHAR_MAX < 0x1p31 &&
               1024.0 * (1 << 4) * UCHAR_MAX < 0x1p31);
 
-/// The longest source side, so that the weighted sum of a column of 8-bit samples fits in 32 bits
-/// wherever it is used: where a destination pixel has full columns, the thresholds above keep the
-/// column short, except at the lowest precision. (16-bit samples are summed in 64 bits.)
-constexpr int kLongestSide = 1 << 22;
-static_assert(std::int64_t{kLongestSide} * (1 << kLowestShift) * UCHAR_MAX <= UINT32_MAX);
+/// The most source rows to a destination row, so that the weighted sum of a column of 8-bit samples
+/// fits in 32 bits wherever it is used: where a destination pixel has full columns, the thresholds
+/// above keep the column short, except at the lowest precision. (16-bit samples are summed in 64.)
+constexpr int kMostRows = 1 << 22;
+static_assert(std::int64_t{kMostRows} * (1 << kLowestShift) * UCHAR_MAX <= UINT32_MAX);
 
 /// True when every position along the side fits in 32 bits with SHIFT fraction bits.
 constexpr bool FitsSide(int side, int shift)
@@ -289,7 +289,7 @@ template <template <int> class Tfix, typename Tpixel>
 unsigned char* CGraflib::DownScaleDepth(int width, int height)
 {
     if (width < 1 || height < 1 || mWidth < 1 || mHeight < 1 || !mData ||
-        std::max(mWidth, mHeight) > kLongestSide)
+        !FitsSide(std::max(mWidth, mHeight), kLowestShift) || mHeight / height >= kMostRows)
         return nullptr;
     auto pixels = std::make_unique_for_overwrite<unsigned char[]>(
         static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * sizeof(Tpixel));

@@ -1,5 +1,6 @@
 #include "jpeg/CGraflibJpeg.h"
 
+#include <algorithm>
 #include <climits>
 
 #include "graflib/PixelTypes.h"
@@ -35,7 +36,6 @@ const void* RgbRow(const CDataRect& image, const void* row, std::vector<unsigned
     if (image.mBits != 8 && image.mBits != 32)
         return row;
     const auto width = static_cast<std::size_t>(image.mWidth);
-    buffer.resize(width * sizeof(CRgb));
     auto* rgb = reinterpret_cast<CRgb*>(buffer.data());
     const auto* grey = static_cast<const unsigned char*>(row);
     const auto* wide = static_cast<const CRgba*>(row);
@@ -74,14 +74,20 @@ bool CGraflibJpeg::Read(const char* fileName, SFileReadInfo* info)
 bool CGraflibJpeg::Write(const char* fileName, bool /*unused*/, CFileIO* /*unused*/)
 {
     CGraphicsJpeg jpeg;
-    if (!mData || mBits == 0 || !IsLineDepth(mBits) || !IsSide(mWidth, SHRT_MAX) ||
-        !IsSide(mHeight, SHRT_MAX) || !jpeg.OpenJpegWrite(fileName, mWidth, mHeight, mQuality))
+    MakeRgbRow();
+    if (!CanWrite() || !jpeg.OpenJpegWrite(fileName, mWidth, mHeight, mQuality))
         throw CGraflibException(GLIB_ERR_WRITE, fileName);
     const unsigned char* row = mData;
     for (int y = 0; y < mHeight; ++y, row += RowBytes())
         jpeg.WriteJpegLine(RgbRow(*this, row, mRgbRow));
     jpeg.CloseJpegWrite();
     return true;
+}
+
+bool CGraflibJpeg::CanWrite() const
+{
+    return mData && mBits != 0 && IsLineDepth(mBits) && IsSide(mWidth, SHRT_MAX) &&
+           IsSide(mHeight, SHRT_MAX);
 }
 
 bool CGraflibJpeg::OpenReadLine(const char* fileName)
@@ -112,8 +118,10 @@ void CGraflibJpeg::CloseReadLine()
 bool CGraflibJpeg::OpenWriteLine(const char* fileName)
 {
     if (!IsLineDepth(mBits) || !IsSide(mWidth, CGraphicsJpeg::kMaxSide) ||
-        !IsSide(mHeight, CGraphicsJpeg::kMaxSide) ||
-        !LineJpeg().OpenJpegWrite(fileName, mWidth, mHeight, mQuality))
+        !IsSide(mHeight, CGraphicsJpeg::kMaxSide))
+        throw CGraflibException(GLIB_ERR_WRITE, fileName);
+    MakeRgbRow();
+    if (!LineJpeg().OpenJpegWrite(fileName, mWidth, mHeight, mQuality))
         throw CGraflibException(GLIB_ERR_WRITE, fileName);
     return true;
 }
@@ -145,6 +153,13 @@ bool CGraflibJpeg::GetSize(const char* fileName, int offset, int /*unused*/)
     mHeight = height;
     mBits = components * kBitsPerComponent;
     return ok;
+}
+
+/// Before a file is opened, so that nothing is open when there is no room for the row.
+void CGraflibJpeg::MakeRgbRow()
+{
+    if (mBits == 8 || mBits == 32)
+        mRgbRow.resize(static_cast<std::size_t>(std::max(mWidth, 0)) * sizeof(CRgb));
 }
 
 CGraphicsJpeg& CGraflibJpeg::LineJpeg()

@@ -44,6 +44,9 @@ public:
     /// two arguments aren't used.
     bool Write(const char* fileName, bool, CFileIO*) override;
 
+    /// True when Write takes the record: what it refuses, it refuses before it touches a file.
+    bool CanWrite() const;
+
     /// Opens a file for ReadLine and sets size and depth, leaving the buffer alone. True; throws
     /// GLIB_ERR_READ when that fails. Ends a line-wise read that is still open, as the destructor
     /// does; a line-wise write must have been closed.
@@ -70,6 +73,7 @@ public:
 
 private:
     CGraphicsJpeg& LineJpeg();
+    void MakeRgbRow();
 
     std::unique_ptr<CGraphicsJpeg> mLineJpeg;  // of the line-wise operations; null until needed
     std::vector<unsigned char> mRgbRow;        // one expanded row

@@ -1,9 +1,8 @@
 #include "jpeg/CGraphicsJpeg.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
@@ -18,23 +17,6 @@ namespace {
 constexpr int kRgbComponents = 3;
 constexpr JDIMENSION kOneRow = 1;
 static_assert(CGraphicsJpeg::kMaxSide == JPEG_MAX_DIMENSION);
-
-// --- Opening files --------------------------------------------------------------------------
-
-/// Opens a regular file. Nothing else holds a picture, and a FIFO would hold the program until
-/// somebody writes to it.
-std::FILE* OpenRegularFile(const char* fileName)
-{
-    const int file = open(fileName, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (file < 0)
-        return nullptr;
-    struct stat status = {};
-    const bool regular = fstat(file, &status) == 0 && S_ISREG(status.st_mode);
-    std::FILE* stream = regular ? fdopen(file, "rb") : nullptr;
-    if (!stream)
-        close(file);
-    return stream;
-}
 
 // --- Errors while reading ----------------------------------------------------------------------
 
@@ -74,22 +56,15 @@ void LimitScans(j_common_ptr codec)
         ERREXIT1(codec, kTooManyScans, CGraphicsJpeg::kMaxScans);
 }
 
-/// Bytes from the stream's position to the end of its file.
-std::uint64_t BytesLeft(std::FILE* stream)
+/// Whether a file from its byte `offset` on can hold the pixels that its header claims. Files that
+/// have no length, such as pipes, are believed.
+bool CanHold(std::FILE* file, int offset, std::uint64_t pixels)
 {
     struct stat status = {};
-    const long position = std::ftell(stream);
-    if (fstat(fileno(stream), &status) != 0 || position < 0 || position > status.st_size)
-        return 0;
-    return static_cast<std::uint64_t>(status.st_size - position);
-}
-
-void LimitPixels(jpeg_decompress_struct& decompressor, std::uint64_t bytes)
-{
-    const std::uint64_t pixels =
-        std::uint64_t{decompressor.image_width} * decompressor.image_height;
-    if (pixels > CGraphicsJpeg::kMaxPixelsPerByte * bytes)
-        ERREXIT(&decompressor, JERR_INPUT_EOF);
+    if (fstat(fileno(file), &status) != 0 || !S_ISREG(status.st_mode))
+        return true;
+    const auto bytes = static_cast<std::uint64_t>(std::max<off_t>(status.st_size - offset, 0));
+    return pixels <= CGraphicsJpeg::kMaxPixelsPerByte * bytes;
 }
 
 void InitErrors(SJpegState& state)
@@ -102,19 +77,17 @@ void InitErrors(SJpegState& state)
     errors.last_addon_message = kTooManyScans;
 }
 
-/// Sets up the decompressor on state.mInput and reads the header. When that fails, also because
-/// the header claims more than the file can hold, the read is ended.
+/// Sets up the decompressor on state.mInput and reads the header. When that fails the read is
+/// ended.
 bool ReadHeader(SJpegState& state)
 {
     InitErrors(state);
-    const std::uint64_t bytes = BytesLeft(state.mInput);
-    const bool ok = Guarded(state, [&state, bytes] {
+    const bool ok = Guarded(state, [&state] {
         jpeg_create_decompress(&state.mDecompressor);
         state.mProgress.progress_monitor = LimitScans;
         state.mDecompressor.progress = &state.mProgress;
         jpeg_stdio_src(&state.mDecompressor, state.mInput);
         jpeg_read_header(&state.mDecompressor, TRUE);
-        LimitPixels(state.mDecompressor, bytes);
     });
     if (!ok)
         EndRead(state);
@@ -158,7 +131,7 @@ CGraphicsJpeg::~CGraphicsJpeg() = default;
 
 std::FILE* CGraphicsJpeg::OpenJpegFile(const char* fileName) const
 {
-    std::FILE* stream = OpenRegularFile(fileName);
+    std::FILE* stream = std::fopen(fileName, "rb");
     if (stream && mReadOffset != 0 && std::fseek(stream, mReadOffset, SEEK_SET) != 0) {
         std::fclose(stream);
         return nullptr;
@@ -172,7 +145,10 @@ bool CGraphicsJpeg::InitJpegRead(int* width, int* height, int* components)
     if (!ReadHeader(state))
         return false;
     jpeg_decompress_struct& decompressor = state.mDecompressor;
-    const bool ok = Guarded(state, [&state, &decompressor] {
+    const bool ok = Guarded(state, [this, &state, &decompressor] {
+        if (!CanHold(state.mInput, mReadOffset,
+                     std::uint64_t{decompressor.image_width} * decompressor.image_height))
+            ERREXIT(&decompressor, JERR_INPUT_EOF);
         jpeg_start_decompress(&decompressor);
         const JDIMENSION rowBytes =
             decompressor.output_width * static_cast<JDIMENSION>(decompressor.output_components);

@@ -22,9 +22,11 @@ class CGraphicsJpeg
 public:
     static constexpr int kMaxSide = 65500;  ///< what libjpeg encodes at most, in pixels
 
-    /// Files that go beyond these limits count as damaged. Huffman coding spends a bit or more on a
-    /// block of 64 pixels, so a file can't hold more than 512 pixels a byte: a header that claims
-    /// twice that asks for memory and time that no picture will need.
+    /// Files that go beyond these limits count as damaged once they are to be decoded. Huffman
+    /// coding spends a bit or more on a block of 64 pixels, so a file can't hold more than 512
+    /// pixels a byte: a header that claims twice that asks for memory and time that no picture will
+    /// need. (A blank picture in arithmetic coding could, and is refused, as is a large picture cut
+    /// short within its first rows. The limit doesn't apply to pipes.)
     static constexpr int kMaxPixelsPerByte = 1024;
     /// Every scan costs a pass over the picture; encoders make about ten.
     static constexpr int kMaxScans = 500;
@@ -41,8 +43,8 @@ public:
     // --- Reading ---------------------------------------------------------------------------------
 
     /// Reads a whole picture into a new array, which belongs to the caller. Null when the file
-    /// can't be opened (without a message, width and height set to 0), which goes for all but
-    /// regular files, or isn't a JPEG that libjpeg decodes to its last row. Damage that libjpeg
+    /// can't be opened (without a message, width and height set to 0), goes beyond the limits above
+    /// or isn't a JPEG that libjpeg decodes to its last row. Damage that libjpeg
     /// only warns about doesn't count. Throws `std::bad_alloc` when there is no room for the
     /// pixels.
     unsigned char* ReadJpeg(const char* fileName, int* width, int* height, int* components);
