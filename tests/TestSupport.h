@@ -4,87 +4,135 @@
 // What the tests share: temporary folders, images with contents, encoded pictures, program runs.
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdio>
 #include <filesystem>
-#include <map>
-#include <string>
-#include <vector>
+#include <fstream>
+#include <random>
+#include <sstream>
+// libjpeg's header wants stdio's names declared before it.
+#include <jpeglib.h>
 
 #include "jpeg/CGraflibJpeg.h"
 
 namespace fs = std::filesystem;
 using Bytes = std::vector<unsigned char>;
+using Names = std::vector<std::string>;
+using Shape = std::tuple<int, int, int>;  ///< width, height and bits of an image
+using Sizes = std::array<int, 4>;         ///< width and height before and after scaling
 
-/// A new folder under the system's temporary one, removed with all it holds.
-struct TempFolder
+inline std::string ReadAll(const std::string& path)
 {
-    TempFolder();
-    ~TempFolder() { fs::remove_all(mPath); }
-    std::string operator/(const std::string& name) const { return mPath + "/" + name; }
-    std::string mPath;
-};
+    std::ostringstream content;
+    content << std::ifstream(path, std::ios::binary).rdbuf();
+    return content.str();
+}
 
-std::string ReadAll(const std::string& path);
-void WriteAll(const std::string& path, const std::string& content);
-/// Every file below a folder, by relative path, with its content.
-std::map<std::string, std::string> Tree(const std::string& folder);
+inline void WriteAll(const std::string& path, const std::string& content)
+{
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+/// Bytes of any value, the same in every run.
+inline Bytes Noise(int count)
+{
+    std::mt19937 random;
+    Bytes bytes(static_cast<std::size_t>(count));
+    std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<unsigned char>(random()); });
+    return bytes;
+}
 
 /// An image that owns its pixels.
 struct TestImage : CGraflibJpeg
 {
-    TestImage() = default;
-    template <typename Tsample>
-    TestImage(int width, int height, int bits, const std::vector<Tsample>& samples)
+    TestImage(const Shape& shape = {}, const ::Bytes& pixels = {})
     {
-        const auto* bytes = reinterpret_cast<const unsigned char*>(samples.data());
-        mData = new unsigned char[samples.size() * sizeof(Tsample)];
-        std::copy(bytes, bytes + samples.size() * sizeof(Tsample), mData);
-        mWidth = width;
-        mHeight = height;
-        mBits = bits;
+        std::tie(mWidth, mHeight, mBits) = shape;
+        mData = pixels.empty() ? nullptr : new unsigned char[pixels.size()];
+        std::copy(pixels.begin(), pixels.end(), mData);
     }
     ~TestImage() { delete[] mData; }
 
-    template <typename Tsample = unsigned char>
-    std::vector<Tsample> Samples() const
-    {
-        const auto* samples = reinterpret_cast<const Tsample*>(mData);
-        return {samples,
-                samples + RowBytes() * static_cast<std::size_t>(mHeight) / sizeof(Tsample)};
-    }
+    Shape GetShape() const { return {mWidth, mHeight, mBits}; }
+    ::Bytes Pixels() const { return {mData, mData + Bytes()}; }
 };
 
-/// `count` samples that look like a picture's: neighbours alike, with noise. Fixed by the seed.
-Bytes NoisyBytes(int count, unsigned seed = 1);
-
-/// Encodes pixels of 1 (grey), 3 (RGB) or 4 (CMYK) components with libjpeg's defaults.
-std::string EncodeJpeg(int width, int height, int components, const Bytes& pixels, int quality = 80,
-                       bool progressive = false);
-/// A noisy picture.
-std::string SampleJpeg(int width, int height, int components = 3, bool progressive = false);
-/// The pixels of a picture, decoded with libjpeg's defaults.
-Bytes DecodeJpeg(const std::string& jpeg);
-
-struct SRun
+/// The sizes given, and many more.
+inline std::vector<Sizes> WithRandomSizes(std::vector<Sizes> sizes)
 {
-    int mStatus;
-    std::string mOut;
-    std::string mErr;
-};
-/// Runs a program with a shell's words in a folder, with nothing in its environment.
-SRun RunProgram(const std::string& program, const std::string& arguments,
-                const std::string& folder = "/");
-inline SRun RunTessel(const std::string& arguments, const std::string& folder = "/")
-{
-    return RunProgram(TESSEL_PROGRAM, arguments, folder);
+    const Bytes noise = Noise(1200);
+    for (auto side = noise.begin(); side != noise.end(); side += 4)
+        sizes.push_back({side[0] % 90 + 1, side[1] % 90 + 1, side[2] % 60 + 1, side[3] % 9 + 1});
+    return sizes;
 }
 
-/// What a call writes to standard output.
+/// Encodes pixels of 1 (grey), 3 (RGB) or 4 (CMYK) components with libjpeg's defaults.
+inline std::string EncodeJpeg(int width, int height, int components, const Bytes& pixels,
+                              int quality = 80, bool progressive = false)
+{
+    jpeg_error_mgr errors{};
+    jpeg_compress_struct codec{};
+    codec.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&codec);
+    unsigned char* data = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&codec, &data, &size);
+    codec.image_width = static_cast<JDIMENSION>(width);
+    codec.image_height = static_cast<JDIMENSION>(height);
+    codec.input_components = components;
+    codec.in_color_space = components == 1 ? JCS_GRAYSCALE : components == 3 ? JCS_RGB : JCS_CMYK;
+    jpeg_set_defaults(&codec);
+    jpeg_set_quality(&codec, quality, TRUE);
+    if (progressive)
+        jpeg_simple_progression(&codec);
+    jpeg_start_compress(&codec, TRUE);
+    auto* row = const_cast<JSAMPROW>(pixels.data());
+    for (; codec.next_scanline < codec.image_height; row += width * components)
+        jpeg_write_scanlines(&codec, &row, 1);
+    jpeg_finish_compress(&codec);
+    jpeg_destroy_compress(&codec);
+    const std::unique_ptr<unsigned char, decltype(&free)> owner(data, free);
+    return {data, data + size};
+}
+
+/// A picture of noise.
+inline std::string SampleJpeg(int width, int height, int components = 3)
+{
+    return EncodeJpeg(width, height, components, Noise(width * height * components));
+}
+
+/// What a call writes to standard output and, marked, to standard error; an exception, too, is
+/// written there.
 template <typename Call>
 std::string OutputOf(Call call)
 {
     testing::internal::CaptureStdout();
-    call();
-    return testing::internal::GetCapturedStdout();
+    testing::internal::CaptureStderr();
+    try {
+        call();
+    } catch (CGraflibException& e) {
+        TestImage().ShowGlibError(e);
+        std::cerr << e.mCode << ' ' << e.mInfo;
+    }
+    const std::string errors = testing::internal::GetCapturedStderr();
+    return testing::internal::GetCapturedStdout() + (errors.empty() ? "" : "Errors: " + errors);
 }
+
+/// A test with a new folder, removed with all it holds, and the name of a file in it.
+struct FolderTest : testing::Test
+{
+    ~FolderTest() override { fs::remove_all(mFolder); }
+    /// What a program writes, run by a shell in the folder with nothing in its environment.
+    /// "failed" is behind it when the program says that it has.
+    std::string Run(const std::string& command) const
+    {
+        const std::string words = "cd " + mFolder.string() + " && env -i " + command;
+        return OutputOf([&] { EXPECT_EQ(std::system((words + " || echo failed").c_str()), 0); });
+    }
+
+    const fs::path mFolder = mkdtemp((fs::temp_directory_path() / "tessel-XXXXXX").string().data());
+    const std::string mFile = mFolder / "x.jpg";
+    const char* const mPath = mFile.c_str();
+};
 
 #endif

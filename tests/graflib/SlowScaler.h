@@ -10,7 +10,8 @@ inline int SlowShift(int width, int height, int newWidth, int newHeight)
 {
     const float ratio = (static_cast<float>(width) / static_cast<float>(newWidth)) *
                         (static_cast<float>(height) / static_cast<float>(newHeight));
-    return ratio < 16 ? 16 : ratio < 256 ? 8 : ratio < 1024 ? 4 : 2;
+    const bool isShort = std::max(width, height) < 1 << 15;
+    return ratio < 16 && isShort ? 16 : ratio < 256 ? 8 : ratio < 1024 ? 4 : 2;
 }
 
 template <typename Sample>

@@ -2,119 +2,106 @@
 
 #include "tests/TestSupport.h"
 
-namespace {
+using CGraflibJpegTest = FolderTest;
 
-template <typename Call>
-void ExpectThrow(Call call, int code, const std::string& info)
+/// The pixels of a picture, decoded with libjpeg's defaults.
+static Bytes DecodeJpeg(const std::string& jpeg)
 {
-    try {
-        call();
-        ADD_FAILURE() << "no exception for " << info;
-    } catch (const CGraflibException& e) {
-        EXPECT_TRUE(e.mCode == code && e.mInfo == info) << e.mCode << ' ' << e.mInfo;
-    }
+    jpeg_error_mgr errors{};
+    jpeg_decompress_struct codec{};
+    codec.err = jpeg_std_error(&errors);
+    jpeg_create_decompress(&codec);
+    jpeg_mem_src(&codec, reinterpret_cast<const unsigned char*>(jpeg.data()), jpeg.size());
+    jpeg_read_header(&codec, TRUE);
+    jpeg_start_decompress(&codec);
+    const auto rowBytes = codec.output_width * static_cast<JDIMENSION>(codec.output_components);
+    Bytes pixels(std::size_t{rowBytes} * codec.output_height);
+    for (auto* row = pixels.data(); codec.output_scanline < codec.output_height; row += rowBytes)
+        jpeg_read_scanlines(&codec, &row, 1);
+    jpeg_destroy_decompress(&codec);
+    return pixels;
 }
 
-/// What the writer must encode for pixels of 1, 3 or 4 components.
-Bytes AsRgb(const Bytes& pixels, int components)
+TEST_F(CGraflibJpegTest, EveryDepthIsReadAndWrittenAsColour)
 {
-    Bytes rgb;
-    for (std::size_t i = 0; i < pixels.size(); i += static_cast<std::size_t>(components))
-        for (std::size_t k = 0; k < 3; ++k) {
-            const double colour = pixels[components == 1 ? i : i + k];
-            const double alpha = components == 4 ? pixels[i + 3] / 255.0 : 1.0;
-            rgb.push_back(static_cast<unsigned char>(colour * alpha + 0.5));
+    const std::string source = mFolder / "source.jpg";
+    SFileReadInfo info{0, 5, 0};
+    for (const std::size_t components : {1, 3, 4}) {
+        const Shape shape(33, 21, components * 8);
+        const std::string file = SampleJpeg(33, 21, static_cast<int>(components));
+        const Bytes pixels = DecodeJpeg(file);
+        Bytes rgb;
+        for (std::size_t i = 0; i < 33 * 21 * 3; ++i) {
+            const unsigned char* pixel = pixels.data() + i / 3 * components;
+            const double alpha = components == 4 ? pixel[3] / 255.0 : 1.0;
+            rgb.push_back(static_cast<unsigned char>(pixel[i % 3 % components] * alpha + 0.5));
         }
-    return rgb;
-}
-
-}  // namespace
-
-TEST(CGraflibJpeg, EveryDepthIsReadAndWrittenAsColour)
-{
-    const TempFolder folder;
-    const std::string path = folder / "x.jpg", target = folder / "y.jpg", lines = folder / "z.jpg";
-    for (const int components : {1, 3, 4}) {
-        const std::string file = SampleJpeg(33, 21, components);
-        const std::string expected = EncodeJpeg(33, 21, 3, AsRgb(DecodeJpeg(file), components));
-        const auto isOpen = [&components](const CDataRect& image) {
-            return image.mWidth == 33 && image.mHeight == 21 && image.mBits == components * 8;
-        };
-        WriteAll(path, file + file);
-        TestImage image;
-        SFileReadInfo info;
-        info.mOffset = static_cast<int>(file.size());
-        ASSERT_TRUE(image.Read(path.c_str(), &info) && isOpen(image));
-        EXPECT_EQ(image.Samples(), DecodeJpeg(file));
+        const std::string expected = EncodeJpeg(33, 21, 3, rgb);
+        TestImage image, in, out;
+        WriteAll(source, file);
+        WriteAll(mFile, "front" + file);
+        EXPECT_TRUE(in.GetSize(mPath, 5, 0) && in.GetShape() == shape);
+        EXPECT_TRUE(image.Read(mPath, &info) && image.GetShape() == shape);
+        EXPECT_EQ(image.Pixels(), pixels);
         image.SetAppendMode(true);  // has no say in Write
-        for (int i = 0; i < 2; ++i)
-            EXPECT_TRUE(image.Write(target.c_str(), true, nullptr));
-        EXPECT_EQ(ReadAll(target), expected);
-        TestImage size;
-        EXPECT_TRUE(size.GetSize(path.c_str(), info.mOffset, 0) && isOpen(size) && !size.mData);
-
-        fs::remove(lines);
-        TestImage in, out;
+        EXPECT_TRUE(image.Write(mPath, true, nullptr) && ReadAll(mFile) == expected);
         out.SetAppendMode(true);
         for (int copy = 0; copy < 2; ++copy) {
-            ASSERT_TRUE(in.OpenReadLine(path.c_str()) && isOpen(in));
-            out.mWidth = in.mWidth;
-            out.mHeight = in.mHeight;
+            EXPECT_TRUE(in.OpenReadLine(source.c_str()) && in.GetShape() == shape);
+            static_cast<CDataRect&>(out) = in;
             out.mBits = components == 3 ? 0 : in.mBits;  // unset, it stands for colour
-            ASSERT_TRUE(out.OpenWriteLine(lines.c_str()));
-            Bytes line(in.RowBytes());
-            int count = 0;
-            for (; in.ReadLine(line.data()); ++count)
-                EXPECT_EQ(out.WriteLine(line.data()), 1);
-            EXPECT_EQ(count, 21);
+            EXPECT_TRUE(out.OpenWriteLine(mPath));
+            for (int y = 0; y < 21; ++y)
+                EXPECT_TRUE(in.ReadLine(image.mData) && out.WriteLine(image.mData) == 1);
+            EXPECT_FALSE(in.ReadLine(image.mData));
             in.CloseReadLine();
             out.CloseWriteLine();
         }
-        EXPECT_EQ(ReadAll(lines), expected + expected);
+        EXPECT_EQ(ReadAll(mFile), expected + expected + expected);
     }
 }
 
-TEST(CGraflibJpeg, FailuresThrowAndLeaveAnEmptyRecord)
+TEST_F(CGraflibJpegTest, FailedReadsThrowAndLeaveAnEmptyRecord)
 {
-    const TempFolder folder;
-    WriteAll(folder / "text.jpg", "not a picture");
-    testing::internal::CaptureStderr();
-    for (const std::string& path : {folder / "missing.jpg", folder / "text.jpg"}) {
-        CGraflibJpeg image;
-        const auto isEmptied = [&image] {
-            const bool empty = image.mWidth == 0 && image.mHeight == 0 && image.mBits == 0;
-            image.mWidth = image.mHeight = image.mBits = 24;
-            return empty && !image.mData;
-        };
-        isEmptied();
-        ExpectThrow([&] { image.Read(path.c_str(), nullptr); }, GLIB_ERR_READ, path);
-        EXPECT_TRUE(isEmptied());
-        ExpectThrow([&] { image.OpenReadLine(path.c_str()); }, GLIB_ERR_READ, path);
-        EXPECT_TRUE(isEmptied());
-        EXPECT_TRUE(!image.GetSize(path.c_str(), 0, 0) && isEmptied());
+    unsigned char line[27];
+    TestImage whole, lines;
+    for (const char* message : {"", "Not a JPEG file: starts with 0x6e 0x6f\n"}) {
+        const std::string error = std::string("Errors: ") + message + "1 " + mFile;
+        TestImage size;
+        whole.mBits = lines.mBits = size.mBits = 24;
+        EXPECT_EQ(OutputOf([&] { whole.Read(mPath, nullptr); }), error);
+        EXPECT_EQ(OutputOf([&] { whole.Show(nullptr); }), "Width=0 Height=0 mBits=0 Data = NULL\n");
+        EXPECT_EQ(OutputOf([&] { lines.OpenReadLine(mPath); }), error);
+        OutputOf([&] { EXPECT_FALSE(size.GetSize(mPath, 0, 0)); });
+        EXPECT_FALSE(lines.ReadLine(line) || lines.mBits || size.mBits);
+        WriteAll(mFile, "not a picture");
     }
-    testing::internal::GetCapturedStderr();
+    WriteAll(mFile, SampleJpeg(9, 9));
+    SFileReadInfo info{0, -1, 0};
+    EXPECT_EQ(OutputOf([&] { whole.Read(mPath, &info); }), "Errors: 1 " + mFile);
+    // A reader closed early is neither an error nor in the way of the next.
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_TRUE(lines.OpenReadLine(mPath) && lines.ReadLine(line));
+        EXPECT_EQ(OutputOf([&] { lines.CloseReadLine(); }), "");
+        EXPECT_FALSE(lines.ReadLine(line));
+    }
 }
 
-TEST(CGraflibJpeg, WriteRefusesBeforeItTouchesTheFile)
+TEST_F(CGraflibJpegTest, WritesRefuseBeforeTheyTouchTheFile)
 {
-    const TempFolder folder;
-    const std::string path = folder / "x.jpg", nowhere = folder / "no/x.jpg";
-    WriteAll(path, "as it was");
-    const std::tuple<int, int, int, bool> rows[] = {
-        {1, 1, 24, false}, {1, 1, 16, true}, {1, 1, 40, true},    {1, 1, 0, true},
-        {0, 1, 24, true},  {1, 0, 24, true}, {32768, 1, 8, true}, {1, 32768, 8, true}};
-    for (const auto& [width, height, bits, data] : rows) {
-        TestImage image(width, height, bits, Bytes(40000));
-        const std::unique_ptr<unsigned char[]> hidden(data ? nullptr : image.mData);
-        image.mData = data ? image.mData : nullptr;
-        ExpectThrow([&] { image.Write(path.c_str(), true, nullptr); }, GLIB_ERR_WRITE, path);
+    const Shape shapes[] = {{1, 1, 0},     {0, 1, 24}, {1, 0, 24}, {32768, 1, 8},
+                            {1, 32768, 8}, {1, 1, 40}, {1, 1, 16}};
+    const std::string error = "Errors: 2 " + mFile;
+    TestImage image({}, Bytes(40000)), empty;
+    WriteAll(mFile, "as it was");
+    for (const Shape& shape : shapes) {
+        std::tie(image.mWidth, image.mHeight, image.mBits) = shape;
+        EXPECT_EQ(OutputOf([&] { image.Write(mPath, true, nullptr); }), error);
     }
-    CGraflibJpeg lines;
-    ExpectThrow([&] { lines.OpenWriteLine(path.c_str()); }, GLIB_ERR_WRITE, path);
-    EXPECT_EQ(ReadAll(path), "as it was");
-    lines.mWidth = lines.mHeight = 1;
-    ExpectThrow([&] { lines.OpenWriteLine(nowhere.c_str()); }, GLIB_ERR_WRITE, nowhere);
-    unsigned char line[3];
-    EXPECT_FALSE(lines.ReadLine(line) || lines.WriteLine(line) != 0);
+    EXPECT_EQ(OutputOf([&] { image.OpenWriteLine(mPath); }), error);
+    EXPECT_EQ(OutputOf([&] { empty.OpenWriteLine(mPath); }), error);
+    std::tie(empty.mWidth, empty.mHeight, empty.mBits) = Shape(1, 1, 24);
+    EXPECT_EQ(OutputOf([&] { empty.Write(mPath, true, nullptr); }), error);
+    EXPECT_EQ(ReadAll(mFile), "as it was");
+    EXPECT_EQ(OutputOf([&] { empty.OpenWriteLine("/no/x"); }), "Errors: 2 /no/x");
 }
