@@ -18,10 +18,16 @@ struct Tessel : FolderTest
         WriteAll(mFolder / name, jpeg);
         fs::last_write_time(mFolder / name, std::chrono::file_clock::from_sys(seconds));
     }
-    std::string Page(const std::string& heading) const
+    /// The pictures in the order in which they are listed.
+    Names Listing() const
     {
         Names names;
         CFileIO::ResolveWildCard(mFolder.c_str(), "*.jpg", &names);
+        return names;
+    }
+    std::string Page(const std::string& heading) const
+    {
+        const Names names = Listing();
         std::string page = "<html><body>\n\n<center>\n<h2>" + heading + "</h2>\n<table>\n";
         for (std::size_t i = 0; i < names.size(); ++i)
             page += (i % 5 == 0 ? "<tr>\n  <td><a href=\"" : "  <td><a href=\"") + names[i] +
@@ -39,21 +45,29 @@ TEST_F(Tessel, MakesAGalleryToTheByte)
         {"cut3.jpg", 3, {300, 159, 100, 52}},   {"cut4.jpg", 3, {201, 200, 100, 99}},
         {"long.jpg", 3, {10000, 50, 100, 1}},   {"tall.Jpg", 1, {50, 10000, 1, 100}},
         {"thin.jpg", 3, {2000, 3000, 66, 100}}, {"wide.jpg", 3, {1920, 1080, 100, 56}}};
-    std::map<std::string, std::string> files;
+    std::map<std::string, std::string> files, outputs;
     for (const auto& [name, components, sizes] : rows) {
         const std::string path = mFolder / name, thumb = mFolder / "tessel" / name;
         WriteAll(path, files[path] = SampleJpeg(sizes[0], sizes[1], components));
         TestImage image;
         image.Read(path.c_str(), nullptr);
-        OutputOf([&, &size = sizes] { image.DownScaleFix2(size[2], size[3]); });
+        outputs[name] = OutputOf([&, &size = sizes] {
+            std::cout << "Reading " << path << std::endl;
+            image.Show(path.c_str());
+            image.DownScaleFix2(size[2], size[3]);
+            std::cout << "Writing " << thumb << std::endl;
+        });
         image.Write(path.c_str(), true, nullptr);
         files[thumb] = ReadAll(path);
         files[mDbase] += name + "\t1000\n";
         AddPicture(name, files[path], 1000);
     }
     files[mPage] = Page(mFolder.filename());
-    for (const bool isFirst : {true, false}) {  // the second run makes nothing
-        EXPECT_EQ(Run(mTessel + "-tsize 100 " + mFolder.string()).empty(), !isFirst);
+    std::string output;
+    for (const std::string& name : Listing())
+        output += outputs[name];
+    for (const std::string& expected : {output, std::string()}) {  // the second run makes nothing
+        EXPECT_EQ(Run(mTessel + "-tsize 100 " + mFolder.string()), expected);
         EXPECT_EQ(std::distance(fs::recursive_directory_iterator(mFolder), {}), 23);
         for (const auto& [path, content] : files)
             EXPECT_TRUE(ReadAll(path) == content) << path;
