@@ -43,7 +43,7 @@ inline Bytes Noise(int count)
 }
 
 /// An image that owns its pixels.
-struct TestImage : CGraflibJpeg
+struct TestImage final : CGraflibJpeg
 {
     TestImage(const Shape& shape = {}, const ::Bytes& pixels = {})
     {

@@ -41,9 +41,10 @@ TEST(CFilterBilinearFloat, EqualsTheDefinition)
             for (std::size_t x = 0; x < sums.size(); ++x)
                 columns[x].push_back(sums[x]);
         }
+        const auto rows = static_cast<std::size_t>(newHeight);
         for (std::size_t i = 0, x = 0; x < columns.size(); ++x)
             for (const float sum : SlowSums(columns[x], newHeight))
-                ASSERT_EQ(result[i++ % newHeight * newWidth + x],
+                ASSERT_EQ(result[i++ % rows * columns.size() + x],
                           static_cast<int>(sum / (filter.mScaleX * filter.mScaleY)))
                     << testing::PrintToString(sizes);
     }

@@ -26,8 +26,8 @@ TEST_F(CGraflibJpegTest, EveryDepthIsReadAndWrittenAsColour)
 {
     const std::string source = mFolder / "source.jpg";
     SFileReadInfo info{0, 5, 0};
-    for (const std::size_t components : {1, 3, 4}) {
-        const Shape shape(33, 21, components * 8);
+    for (const std::size_t components : {1U, 3U, 4U}) {
+        const Shape shape(33, 21, static_cast<int>(components) * 8);
         const std::string file = SampleJpeg(33, 21, static_cast<int>(components));
         const Bytes pixels = DecodeJpeg(file);
         Bytes rgb;
