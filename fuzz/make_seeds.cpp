@@ -131,6 +131,15 @@ void SavePictures(const fs::path& folder)
         Save(folder / (std::string(kind.mName) + "_behind_junk"), "junk" + file + '\4');
         Save(folder / (std::string(kind.mName) + "_cut"), file.substr(0, file.size() * 3 / 4));
     }
+    // What libjpeg refuses: 12 bits to a sample, and lossless files.
+    const std::string file = Encode(kKinds[0], 21, 13);
+    const std::size_t frame = file.find("\xff\xc0");
+    std::string twelve = file;
+    std::string lossless = file;
+    twelve[frame + 4] = 12;
+    lossless[frame + 1] = '\xc3';
+    Save(folder / "twelve_bits", twelve);
+    Save(folder / "lossless", lossless);
     Save(folder / "png", "\x89PNG\r\n\x1a\n");
     Save(folder / "start_only", "\xff\xd8");
 }

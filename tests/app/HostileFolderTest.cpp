@@ -1,7 +1,11 @@
 // Folders that people have filled: every run ends normally, every good picture gets its thumbnail,
 // and nothing but page, thumbnails and database changes.
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <map>
 
 #include "tests/TestSupport.h"
@@ -49,7 +53,13 @@ TEST_F(HostileFolder, EntriesOfAnyKindAndNameHoldNothingUp)
     fs::create_directory(mGallery / "folder.jpg");
     fs::create_symlink("circle.jpg", mGallery / "circle.jpg");
     fs::create_symlink("/dev/zero", mGallery / "endless.jpg");
+    fs::create_symlink("nowhere", mGallery / "dangling.jpg");
     WriteAll(mGallery / "empty.jpg", "");
+    sockaddr_un address{AF_UNIX, {}};
+    (mGallery / "socket.jpg").string().copy(address.sun_path, sizeof address.sun_path - 1);
+    const int listener = socket(AF_UNIX, SOCK_STREAM, 0);
+    EXPECT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    close(listener);
     EXPECT_EQ(Try().find("failed"), std::string::npos);
     for (const std::string& name : names)
         EXPECT_TRUE(HasThumb(name)) << name;
@@ -117,4 +127,83 @@ TEST_F(HostileFolder, RunsWithinSmallLimits)
     EXPECT_EQ(output.find("failed"), std::string::npos);
     EXPECT_FALSE(HasThumb("large.jpg"));
 #endif
+}
+
+TEST_F(HostileFolder, DatabasesOfAnythingAreReadAndHealed)
+{
+    std::string lines;
+    for (int i = 0; i < 1000000; ++i)
+        lines += std::to_string(i) + "\t1\n";
+    const Bytes noise = Noise(1 << 20);
+    const std::string rows[] = {{noise.begin(), noise.end()},
+                                std::string(100000000, 'x'),
+                                std::string(100000000, '\t') + '\n',
+                                std::string(1 << 20, '\n'),
+                                std::string(1 << 20, '\0') + "\n\0\t\0\n",
+                                "x.jpg\t" + std::string(400, '9') + '\n',
+                                lines};
+    WriteAll(mGallery / "x.jpg", mJpeg);
+    for (const std::string& content : rows) {
+        fs::remove(mThumbs / "x.jpg");
+        WriteAll(mThumbs / "tesselbase.txt", content);
+        EXPECT_EQ(Try().find("failed"), std::string::npos);
+        EXPECT_TRUE(HasThumb("x.jpg"));
+        const std::string healed = ReadAll(mThumbs / "tesselbase.txt");
+        EXPECT_EQ(Try() + ReadAll(mThumbs / "tesselbase.txt"), healed);
+    }
+}
+
+TEST_F(HostileFolder, AHundredThousandEntriesAreDone)
+{
+    for (int i = 0; i < 100000; ++i)
+        WriteAll(mGallery / (std::to_string(i) + ".jpg"), "");
+    WriteAll(mGallery / "last.jpg", mJpeg);
+    EXPECT_EQ(Try("ulimit -s 256; exec " TESSEL_PROGRAM " . 2>/dev/null").find("failed"),
+              std::string::npos);
+    EXPECT_TRUE(HasThumb("last.jpg"));
+    EXPECT_TRUE(ReadAll(mGallery / "index.html").ends_with("</table>\n</body></html>\n\n"));
+    EXPECT_EQ(std::ranges::count(ReadAll(mThumbs / "tesselbase.txt"), '\n'), 100001);
+}
+
+TEST_F(HostileFolder, BigButHonestPicturesAreDone)
+{
+    const std::tuple<int, int, bool> rows[] = {
+        {65500, 200, false}, {20000, 14000, false}, {10000, 10000, true}};
+    for (const auto& [width, height, progressive] : rows) {
+        const Bytes pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 7);
+        WriteAll(mGallery / "big.jpg", EncodeJpeg(width, height, 1, pixels, 80, progressive));
+        fs::remove_all(mThumbs);
+        EXPECT_EQ(Try().find("failed"), std::string::npos);
+        EXPECT_TRUE(HasThumb("big.jpg")) << width;
+    }
+}
+
+TEST_F(HostileFolder, AFolderThatCannotBeChangedIsLeftAsItIs)
+{
+    const std::string program = mFolder / "program", tessel = "setpriv --reuid=65534 " + program;
+    fs::copy(TESSEL_PROGRAM, program);
+    fs::permissions(mFolder, fs::perms(0755));
+    WriteAll(mGallery / "x.jpg", mJpeg);
+    const auto before = Files();
+    fs::permissions(mThumbs, fs::perms(0555));
+    fs::permissions(mGallery, fs::perms(0555));
+    const std::string output = Try((geteuid() == 0 ? tessel : program) + " .");
+    EXPECT_TRUE(output.starts_with("Reading ./x.jpg\n") && Files() == before) << output;
+    EXPECT_EQ(output.find("failed"), std::string::npos);
+    fs::permissions(mGallery, fs::perms(0755));
+    fs::permissions(mThumbs, fs::perms(0755));
+}
+
+TEST_F(HostileFolder, AFullDiskEndsTheRunAndTheNextGoesOn)
+{
+    // A file can't outgrow the limit, which is an error like any other where the signal is ignored.
+    const std::string full = "trap \"\" XFSZ; ulimit -f 8; exec " TESSEL_PROGRAM " -tsize 1000 .";
+    WriteAll(mGallery / "noise.jpg", SampleJpeg(1000, 1000));
+    const std::string output = Try(full);
+    EXPECT_NE(output.find("failed"), std::string::npos) << output;
+    EXPECT_NE(output.find("Errors: Output file write error --- out of disk space?\n"),
+              std::string::npos)
+        << output;
+    EXPECT_EQ(Try().find("failed"), std::string::npos);
+    EXPECT_TRUE(HasThumb("noise.jpg"));
 }
