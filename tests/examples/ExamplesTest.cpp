@@ -18,3 +18,16 @@ TEST_F(Examples, DoWhatTheySay)
         EXPECT_NEAR(image.mData[image.Bytes() / 2 + 75], 200, 3) << name;
     }
 }
+
+TEST_F(Examples, TheTourOfTheLibraryGoesThrough)
+{
+    EXPECT_NE(Run(TESSEL_TOUR " none.jpg .").find("error 1: none.jpg\n"), std::string::npos);
+    WriteAll(mFile, SampleJpeg(240, 160));
+    EXPECT_EQ(Run(TESSEL_TOUR " x.jpg .").find("failed"), std::string::npos);
+    const std::pair<const char*, int> rows[] = {
+        {"thumbnail.jpg", 120}, {"blended.jpg", 120}, {"negative.jpg", 240}};
+    for (const auto& [name, width] : rows) {
+        TestImage image;
+        EXPECT_TRUE(image.GetSize((mFolder / name).c_str(), 0, 0) && image.mWidth == width) << name;
+    }
+}
