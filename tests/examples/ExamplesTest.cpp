@@ -19,13 +19,16 @@ TEST_F(Examples, DoWhatTheySay)
     }
 }
 
-TEST_F(Examples, TheTourOfTheLibraryGoesThrough)
+TEST_F(Examples, DocumentedProgramsGoThrough)
 {
     EXPECT_NE(Run(TESSEL_TOUR " none.jpg .").find("error 1: none.jpg\n"), std::string::npos);
     WriteAll(mFile, SampleJpeg(240, 160));
     EXPECT_EQ(Run(TESSEL_TOUR " x.jpg .").find("failed"), std::string::npos);
-    const std::pair<const char*, int> rows[] = {
-        {"thumbnail.jpg", 120}, {"blended.jpg", 120}, {"negative.jpg", 240}};
+    EXPECT_EQ(Run(TESSEL_README " x.jpg readme.jpg").find("failed"), std::string::npos);
+    const std::pair<const char*, int> rows[] = {{"thumbnail.jpg", 120},
+                                                {"blended.jpg", 120},
+                                                {"negative.jpg", 240},
+                                                {"readme.jpg", 192}};
     for (const auto& [name, width] : rows) {
         TestImage image;
         EXPECT_TRUE(image.GetSize((mFolder / name).c_str(), 0, 0) && image.mWidth == width) << name;
