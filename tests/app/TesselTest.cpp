@@ -1,6 +1,9 @@
 // The program as a whole: what it prints, and every byte that it leaves in the folder.
 #include "app/CTessel.h"
 
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <chrono>
 
 #include "tests/TestSupport.h"
@@ -103,6 +106,41 @@ TEST_F(Tessel, TakesSizeAndFolderFromTheCommandLine)
         thumb.GetSize((mFolder / "tessel" / name).c_str(), 0, 0);
         EXPECT_EQ(thumb.GetShape(), Shape(width, width / 2, 24)) << arguments;
         EXPECT_EQ(ReadAll(mPage), Page(arguments.substr(arguments.find_last_of(" /") + 1)));
+    }
+}
+
+TEST_F(Tessel, WritesEachLineInOnePiece)
+{
+    const std::string name = "line\nfeed.jpg", jpeg = SampleJpeg(300, 200);
+    WriteAll(mFolder / name, jpeg.substr(0, jpeg.size() / 2));
+    std::string longest = ".";  // whose lines are longer than a page
+    while (longest.size() + name.size() + 10 < PATH_MAX)
+        longest += "/.";
+    for (const std::string& folder : {std::string(), std::string("."), longest}) {
+        const std::string path = folder + "/" + name;
+        int ends[2];  // which keep the pieces apart
+        ASSERT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends), 0);
+        const std::string out = std::to_string(ends[1]);
+        Run("sh -c '" + mTessel + folder + " >&" + out + " 2>&1'");
+        close(ends[1]);
+        Names lines;
+        for (std::string piece(2 * PATH_MAX, 0);;) {
+            const ssize_t size = recv(ends[0], piece.data(), piece.size(), 0);
+            if (size <= 0)
+                break;
+            lines.push_back(piece.substr(0, static_cast<std::size_t>(size)));
+        }
+        close(ends[0]);
+        const Names usage{"tessel <options> <foldername>\n", "       options: -tsize <thumbsize>\n",
+                          "       Version " TESSEL_VERSION "\n"};
+        const Names made{"Reading " + path + "\n",
+                         "Premature end of JPEG file\n",
+                         path + " Width=300 Height=200 mBits=24 Data != NULL\n",
+                         "ScaleFakt=2.44141\n",
+                         "sizeof(Tpixel)=3\n",
+                         "Writing " + folder + "/tessel/" + name + "\n"};
+        EXPECT_EQ(lines, folder.empty() ? usage : made);
+        fs::remove_all(mFolder / "tessel");
     }
 }
 
