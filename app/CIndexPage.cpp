@@ -1,5 +1,7 @@
 #include "app/CIndexPage.h"
 
+#include <string_view>
+
 #include "app/GalleryLayout.h"
 #include "app/OutputFile.h"
 
@@ -21,8 +23,13 @@ void CIndexPage::AddPicture(const std::string& name)
 {
     if (mCells == 0)
         mStream << "<tr>\n";
-    mStream << "  <td><a href=\"" << name << "\"><img src=\"" << kThumbFolder << '/' << name
-            << "\"></a><br><font size=2>" << name << "</font></td>\n";
+    mCell.clear();
+    const std::string_view parts[] = {
+        "  <td><a href=\"",         name, "\"><img src=\"", kThumbFolder, "/", name,
+        "\"></a><br><font size=2>", name, "</font></td>\n"};
+    for (const std::string_view part : parts)
+        mCell += part;
+    mStream << mCell;
     if (++mCells == kCellsPerRow) {
         mStream << "</tr>\n";
         mCells = 0;

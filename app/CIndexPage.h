@@ -21,7 +21,8 @@ public:
 
 private:
     std::ofstream mStream;
-    int mCells = 0;  // in the open row
+    int mCells = 0;     // in the open row
+    std::string mCell;  // written at once, as a stream takes longer to begin than to write
 };
 
 #endif

@@ -21,12 +21,14 @@ void CTessel::CreateThumbs(const char* folder)
     RemoveLink(thumbFolder.c_str());
     files.CreateDir(thumbFolder.c_str());
     ReadDbase(dbase.c_str());
+    const std::vector<const SFileInfo*> records = FindRecords(names);
 
     const std::string path(folder);
     page.WriteHead(path.substr(path.rfind('/') + 1));
-    for (const std::string& name : names) {
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const std::string& name = names[i];
         page.AddPicture(name);
-        if (TestFile(folder, name.c_str())) {
+        if (TestFile(folder, name.c_str(), records[i])) {
             const std::string source = prefix + name;
             const std::string target = thumbPrefix + name;
             MakeThumb(source.c_str(), target.c_str(), mThumbSize);

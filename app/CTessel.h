@@ -3,6 +3,7 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 #include "app/GalleryLayout.h"
 
@@ -10,7 +11,8 @@
 struct SFileInfo
 {
     std::string mName;  ///< without the folder
-    long mTime = 0;     ///< last modification, seconds since 1970-01-01 00:00 UTC
+    /// Last modification, seconds since 1970-01-01 00:00 UTC. Has no part in the order.
+    mutable long mTime = 0;
 
     bool operator<(const SFileInfo& other) const { return mName < other.mName; }
 };
@@ -37,13 +39,17 @@ public:
     /// The modification time of a file; false when it can't be opened.
     bool GetUnixFileTime(const char* path, long* time);
     /// True when a picture is new, or later than its record; it is then recorded with its time.
-    /// True without a record when the picture can't be opened: a later run tries again.
-    bool TestFile(const char* folder, const char* name);
+    /// True without a record when the picture can't be opened: a later run tries again. `record` is
+    /// the name's record for callers that have found it; otherwise it is searched for.
+    bool TestFile(const char* folder, const char* name, const SFileInfo* record = nullptr);
     /// Adds the database file's records to those in memory, which win over records of the same
     /// name. A file that can't be read adds nothing.
     void ReadDbase(const char* path);
     /// Writes all records as a new database file. A name that the format can't hold is left out.
     void WriteDbase(const char* path);
+
+private:
+    std::vector<const SFileInfo*> FindRecords(const std::vector<std::string>& names) const;
 };
 
 #endif

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
 #include <utility>
@@ -20,7 +21,13 @@
 namespace {
 
 constexpr char kSeparator = '\t';
-constexpr const char* kUnstorable = "\t\n\r";  // in names: they would be read back as others
+
+/// False for a name that would be read back as another.
+bool IsStorable(const std::string& name)
+{
+    return std::ranges::none_of(name,
+                                [](char c) { return c == kSeparator || c == '\n' || c == '\r'; });
+}
 
 /// Cuts a line behind its second field, so that a line of a million fields costs no more.
 void CutThirdField(std::string* line)
@@ -30,13 +37,39 @@ void CutThirdField(std::string* line)
         line->resize(std::min(line->size(), line->find(kSeparator, first + 1)));
 }
 
+/// How many characters all names begin with.
+std::size_t CommonLength(const std::vector<std::string>& names)
+{
+    std::size_t length = names.empty() ? 0 : names.front().size();
+    for (const std::string& name : names) {
+        const auto end = name.begin() + static_cast<std::ptrdiff_t>(std::min(length, name.size()));
+        const auto differs = std::mismatch(name.begin(), end, names.front().begin()).first;
+        length = static_cast<std::size_t>(differs - name.begin());
+    }
+    return length;
+}
+
+/// Eight characters of a name as a number, which is in order as they are. Zeros stand for missing
+/// ones, so that different names may have the same number.
+std::uint64_t SortKey(const std::string& name, std::size_t from)
+{
+    std::uint64_t key = 0;
+    for (std::size_t i = from; i < from + sizeof key; ++i)
+        key = key << 8 | (i < name.size() ? static_cast<unsigned char>(name[i]) : 0U);
+    return key;
+}
+
 /// True when all records are in the file.
 bool WriteRecords(std::ofstream& file, const std::set<SFileInfo>& records)
 {
+    std::string line;
     for (const SFileInfo& info : records) {
-        if (info.mName.find_first_of(kUnstorable) != std::string::npos)
+        if (!IsStorable(info.mName))
             continue;
-        const std::string line = info.mName + kSeparator + std::to_string(info.mTime) + '\n';
+        line = info.mName;
+        line += kSeparator;
+        line += std::to_string(info.mTime);
+        line += '\n';
         file.write(line.data(), static_cast<std::streamsize>(line.size())).flush();
     }
     return file.good();
@@ -57,22 +90,45 @@ bool CTessel::GetUnixFileTime(const char* path, long* time)
     return true;
 }
 
-bool CTessel::TestFile(const char* folder, const char* name)
+bool CTessel::TestFile(const char* folder, const char* name, const SFileInfo* record)
 {
-    SFileInfo info{name, 0};
-    if (!GetUnixFileTime((std::string(folder) + "/" + name).c_str(), &info.mTime))
+    __builtin_prefetch(record);  // to be there when the kernel has answered
+    long time = 0;
+    if (!GetUnixFileTime((std::string(folder) + "/" + name).c_str(), &time))
         return true;
-    const auto found = mFileInfoSet.lower_bound(info);
-    if (found == mFileInfoSet.end() || info < *found) {
-        mFileInfoSet.insert(found, std::move(info));
-        return true;
+    if (!record) {
+        const auto [found, added] = mFileInfoSet.insert({name, time});
+        if (added)
+            return true;
+        record = &*found;
     }
-    if (found->mTime >= info.mTime)
+    if (record->mTime >= time)
         return false;
-    auto record = mFileInfoSet.extract(found);
-    record.value().mTime = info.mTime;
-    mFileInfoSet.insert(std::move(record));
+    record->mTime = time;
     return true;
+}
+
+/// The records of the names, one for each, null where there is none. Names and records are gone
+/// through side by side in their order: a folder is listed in none, so that a search for each name
+/// goes all over memory, which took a fifth of a run over a hundred thousand pictures.
+std::vector<const SFileInfo*> CTessel::FindRecords(const std::vector<std::string>& names) const
+{
+    std::vector<std::pair<std::uint64_t, std::size_t>> order(names.size());
+    const std::size_t common = CommonLength(names);
+    for (std::size_t i = 0; i < names.size(); ++i)
+        order[i] = {SortKey(names[i], common), i};
+    std::sort(order.begin(), order.end(), [&names](const auto& a, const auto& b) {
+        return a.first != b.first ? a.first < b.first : names[a.second] < names[b.second];
+    });
+    std::vector<const SFileInfo*> records(names.size());
+    auto record = mFileInfoSet.begin();
+    for (const auto& [key, i] : order) {
+        while (record != mFileInfoSet.end() && record->mName < names[i])
+            ++record;
+        if (record != mFileInfoSet.end() && record->mName == names[i])
+            records[i] = &*record;
+    }
+    return records;
 }
 
 void CTessel::ReadDbase(const char* path)

@@ -162,6 +162,22 @@ TEST_F(Tessel, RemakesWhatIsNewOrLater)
     EXPECT_EQ(ReadAll(mDbase), "a.jpg\t1000000\nb.jpg\t8589934592\n");
     fs::remove(mDbase);
     EXPECT_EQ(made(), "a.jpg\n");
+
+    // Whatever names have in common, and whatever records stand between theirs.
+    const Names names{"tog.jpg",
+                      "together.jpg",
+                      "together 1.jpg",
+                      "together 1.jpg.jpg",
+                      "together 12345678.jpg",
+                      "together 123456789.jpg"};
+    for (const std::string& name : names)
+        AddPicture(name, mJpeg, 5);
+    made();
+    std::ofstream(mDbase, std::ios::app) << "a\t9\ntogether 1\t9\ntogether 12345678\t9\nz\t9\n";
+    for (const std::string& name : names) {
+        AddPicture(name, mJpeg, 6);
+        EXPECT_EQ(made() + made(), name + "\n");
+    }
 }
 
 TEST_F(Tessel, ReadsAndHealsDatabases)
