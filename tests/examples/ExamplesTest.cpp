@@ -25,10 +25,8 @@ TEST_F(Examples, DocumentedProgramsGoThrough)
     WriteAll(mFile, SampleJpeg(240, 160));
     EXPECT_EQ(Run(TESSEL_TOUR " x.jpg .").find("failed"), std::string::npos);
     EXPECT_EQ(Run(TESSEL_README " x.jpg readme.jpg").find("failed"), std::string::npos);
-    const std::pair<const char*, int> rows[] = {{"thumbnail.jpg", 120},
-                                                {"blended.jpg", 120},
-                                                {"negative.jpg", 240},
-                                                {"readme.jpg", 192}};
+    const std::pair<const char*, int> rows[] = {
+        {"thumbnail.jpg", 120}, {"blended.jpg", 120}, {"negative.jpg", 240}, {"readme.jpg", 192}};
     for (const auto& [name, width] : rows) {
         TestImage image;
         EXPECT_TRUE(image.GetSize((mFolder / name).c_str(), 0, 0) && image.mWidth == width) << name;
