@@ -19,14 +19,20 @@ int ShorterSide(int size, int shorter, int longer)
     return side < 0x1p31F ? std::max(1, static_cast<int>(side)) : size;
 }
 
-void ScaleToThumb(CGraflib& image, const char* source, int size)
+/// Reads a picture at the size of its thumbnail.
+void ReadThumb(CGraflibJpeg& image, const char* source, int size)
 {
+    image.OpenReadLine(source);
     int width = size;
     int height = size;
     if (image.mHeight < image.mWidth)
         height = ShorterSide(size, image.mHeight, image.mWidth);
     else
         width = ShorterSide(size, image.mWidth, image.mHeight);
+    if (image.DownScaleLines(source, width, height))
+        return;
+    // What can't be scaled row by row, such as a picture of five components, may not be at all.
+    image.Read(source, nullptr);
     image.Show(source);
     image.DownScaleFix2(width, height);
 }
@@ -41,8 +47,7 @@ void CTessel::MakeThumb(const char* source, const char* target, int size)
         std::cout << "Reading " << source << std::endl;
         if (!IsReadable(source))
             return;
-        image.Read(source, nullptr);
-        ScaleToThumb(image, source, size < 1 ? kDefaultThumbSize : size);
+        ReadThumb(image, source, size < 1 ? kDefaultThumbSize : size);
         std::cout << "Writing " << target << std::endl;
         if (image.CanWrite() && MakeWay(target))
             image.Write(target, true, nullptr);

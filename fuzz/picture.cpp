@@ -1,4 +1,6 @@
-// The reader: whole, at an offset, line by line; then the scaler and the writer on what was read.
+// The reader: whole, at an offset, line by line; the scaler on what was read and while it is read;
+// the writer.
+#include <cstring>
 #include <new>
 #include <vector>
 
@@ -16,6 +18,18 @@ bool IsSmall(const char* path, int offset)
     return image.GetSize(path, offset, 0) && image.mWidth < kMostPixels / image.mHeight;
 }
 
+/// Scaled while it is read, a picture that can be read whole becomes the same.
+void RequireSameByLines(const char* path, const CGraflibJpeg& whole)
+{
+    CGraflibJpeg lines;
+    const CPixelOwner owner(&lines);
+    lines.OpenReadLine(path);
+    if (lines.DownScaleLines("", kThumbSize, kThumbSize / 2))
+        Require(
+            lines.mBits == whole.mBits && std::memcmp(lines.mData, whole.mData, lines.Bytes()) == 0,
+            "rows make the same thumbnail as the picture");
+}
+
 void ReadWhole(const char* path, int offset)
 {
     CGraflibJpeg image;
@@ -25,6 +39,8 @@ void ReadWhole(const char* path, int offset)
     image.Read(path, &info);
     Require(image.mData && image.mWidth > 0 && image.mHeight > 0, "a picture has pixels");
     image.DownScaleFix2(kThumbSize, kThumbSize / 2);
+    if (offset == 0)
+        RequireSameByLines(path, image);
     const MemoryFile target("");
     image.Write(target.Path().c_str(), true, nullptr);
     Require(image.GetSize(target.Path().c_str(), 0, 0), "what is written can be read");

@@ -62,6 +62,14 @@ public:
     /// area ratio (24 bits only), and "sizeof(Tpixel)=", the bytes of a pixel, a line each.
     unsigned char* DownScaleFix2(int width, int height);
 
+    /// Makes the picture that OpenReadLine has opened `width` x `height` while it is read: the same
+    /// result as Read and DownScaleFix2 give, for the memory of a few rows. The record must hold no
+    /// buffer. Writes what Show(name) and DownScaleFix2 write, once all rows are read, and closes
+    /// the file. Throws GLIB_ERR_READ with `name` when a row can't be read; the record then still
+    /// has no buffer. Returns null, with nothing read or written, where DownScaleFix2 does, and for
+    /// a picture enlarged so much that a pixel's footprint vanishes.
+    unsigned char* DownScaleLines(const char* name, int width, int height);
+
     /// The walk over the destination pixels, in row order: fills `dest` with `width` x `height`
     /// pixels made from this image, which must have the depth of Tpixel and isn't changed.
     /// Writes the line "sizeof(Tpixel)=". A `width` or `height` below 1 fills nothing.
@@ -138,8 +146,13 @@ protected:
                                  int bits);
 
 private:
+    template <int SHIFT, typename Tfix, typename Tpixel>
+    void DownScaleRow(SScaleParams<SHIFT, Tpixel>* params, int y);
+    template <int SHIFT, typename Tfix, typename Tpixel>
+    bool DownScaleBand(const char* name, Tpixel* dest, int width, int height);
     template <template <int> class Tfix, typename Tpixel>
-    unsigned char* DownScaleDepth(int width, int height);
+    unsigned char* DownScaleDepth(int width, int height, const char* linesOf);
+    unsigned char* DownScaleAnyDepth(int width, int height, const char* linesOf);
     template <typename Tsample>
     unsigned char* DownScaleFloat(int width, int height);
 };

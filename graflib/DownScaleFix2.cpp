@@ -1,5 +1,6 @@
-// The fixed-point area scaler, in three levels: the picture (DownScaleFix2, DownScalePicture), the
-// pixel (GetScaledPicturePixel), and the collapse of the source rows under one destination row.
+// The fixed-point area scaler, in three levels: the picture (DownScaleFix2 and DownScalePicture, or
+// DownScaleLines and DownScaleBand), the pixel (GetScaledPicturePixel), and the collapse of the
+// source rows under one destination row (CollapsedRows.h).
 //
 // A destination pixel's footprint, with the weights of its source columns and rows:
 //
@@ -24,6 +25,8 @@
 #include <limits>
 
 #include "graflib/CGraflib.h"
+#include "graflib/CRowBand.h"
+#include "graflib/CollapsedRows.h"
 #include "graflib/FixedPointTypes.h"
 #include "graflib/PixelTypes.h"
 
@@ -66,138 +69,6 @@ int ChooseShift(double ratio, int longerSide)
     return kLowestShift;
 }
 
-/// The source columns or rows under a destination column or row. Between the first and the last,
-/// each counts in full.
-struct SSpan
-{
-    int mFirst;
-    int mLast;
-    std::int32_t mFirstWeight;
-    std::int32_t mLastWeight;  ///< 0: the last isn't touched, and may lie outside the picture
-};
-
-template <int SHIFT>
-SSpan SpanOf(int index, CFixT<SHIFT> step)
-{
-    CFixT<SHIFT> start;
-    CFixT<SHIFT> end;
-    start.mValue = index * step.mValue;
-    end.mValue = start.mValue + step.mValue;
-    if (start.Integer() == end.Integer())
-        return {start.Integer(), end.Integer(), step.mValue, 0};
-    return {start.Integer(), end.Integer(), CFixT<SHIFT>::kOne - start.Fraction(), end.Fraction()};
-}
-
-// The flat loops, compiled once for every x86-64 and once for those with wider registers; the
-// machine picks its version when the program starts. All is integers: the results are the same.
-// (Clang 14 can't do this for templates.)
-#if defined(__x86_64__) && defined(__gnu_linux__) && !defined(__clang__)
-#define TESSEL_VERSIONS [[gnu::target_clones("avx2", "default")]]
-#else
-#define TESSEL_VERSIONS
-#endif
-
-/// sums[i] = KEEP * sums[i] + the samples at i of ROWS neighbouring rows.
-template <bool KEEP, int ROWS, typename Tpart, typename Tsample>
-TESSEL_VERSIONS void AddRows(Tpart* __restrict sums, const Tsample* row, std::size_t samples)
-{
-    for (std::size_t i = 0; i < samples; ++i) {
-        Tpart sum = KEEP ? sums[i] : Tpart{0};
-        for (std::size_t r = 0; r < ROWS; ++r)
-            sum = static_cast<Tpart>(sum + row[r * samples + i]);
-        sums[i] = sum;
-    }
-}
-
-/// Rows added at once, which saves most of the traffic to and from the sums.
-constexpr int kAtOnce = 4;
-
-/// Sums `count` neighbouring rows, at most kRowsPerPart, into rows.mPart.
-template <typename Tsample>
-void SumPart(SCollapsedRows<Tsample>& rows, const Tsample* row, int count)
-{
-    auto* sums = rows.mPart.data();
-    const std::size_t samples = rows.mPart.size();
-    const int rest = count % kAtOnce;
-    switch (rest) {
-        case 0:
-            AddRows<false, 0>(sums, row, samples);
-            break;
-        case 1:
-            AddRows<false, 1>(sums, row, samples);
-            break;
-        case 2:
-            AddRows<false, 2>(sums, row, samples);
-            break;
-        default:
-            AddRows<false, 3>(sums, row, samples);
-            break;
-    }
-    row += static_cast<std::size_t>(rest) * samples;
-    for (int i = rest; i < count; i += kAtOnce, row += kAtOnce * samples)
-        AddRows<true, kAtOnce>(sums, row, samples);
-}
-
-/// Sums `count` neighbouring rows into rows.mFull. The narrow partial sums are what makes this
-/// fast: half the bytes, twice the lanes.
-template <typename Tsample>
-void SumFullRows(SCollapsedRows<Tsample>& rows, const Tsample* row, int count)
-{
-    using Rows = SCollapsedRows<Tsample>;
-    static_assert(Rows::kRowsPerPart * std::numeric_limits<Tsample>::max() <=
-                  std::numeric_limits<typename Rows::Part>::max());
-    const std::size_t samples = rows.mFull.size();
-    SumPart(rows, row, std::min(count, Rows::kRowsPerPart));
-    AddRows<false, 1>(rows.mFull.data(), rows.mPart.data(), samples);
-    for (count -= Rows::kRowsPerPart; count > 0; count -= Rows::kRowsPerPart) {
-        row += Rows::kRowsPerPart * samples;
-        SumPart(rows, row, std::min(count, Rows::kRowsPerPart));
-        AddRows<true, 1>(rows.mFull.data(), rows.mPart.data(), samples);
-    }
-}
-
-/// weighted = full * ONE + top * topWeight + bottom * bottomWeight, sample by sample.
-template <int SHIFT, typename Tsample, typename Ttotal>
-TESSEL_VERSIONS void WeighRows(Ttotal* __restrict weighted, const Ttotal* full, const Tsample* top,
-                               const Tsample* bottom, Ttotal topWeight, Ttotal bottomWeight,
-                               std::size_t samples)
-{
-    for (std::size_t i = 0; i < samples; ++i)
-        weighted[i] = (full[i] << SHIFT) + topWeight * static_cast<Ttotal>(top[i]) +
-                      bottomWeight * static_cast<Ttotal>(bottom[i]);
-}
-
-/// Renews params->mRows for destination row y.
-template <int SHIFT, typename Tpixel>
-[[gnu::noinline]] void CollapseRows(SScaleParams<SHIFT, Tpixel>* params,
-                                    const typename Tpixel::Sample* source, int y)
-{
-    auto& rows = params->mRows;
-    const std::size_t samples = static_cast<std::size_t>(params->mSrcWidth) * Tpixel::kComponents;
-    rows.mPart.resize(samples);
-    rows.mFull.resize(samples);
-    rows.mWeighted.resize(samples);
-
-    const auto row = [source, samples](int index) {
-        return source + static_cast<std::size_t>(index) * samples;
-    };
-    const SSpan span = SpanOf(y, params->mStepY);
-    // A first row that is covered whole is one of the full rows.
-    const bool whole = span.mFirstWeight == CFixT<SHIFT>::kOne;
-    const int firstFull = span.mFirst + (whole ? 0 : 1);
-    rows.mTop = row(span.mFirst);
-    rows.mTopWeight = whole ? 0 : span.mFirstWeight;
-    rows.mBottom = row(span.mLastWeight == 0 ? span.mFirst : span.mLast);
-    rows.mBottomWeight = span.mLastWeight;
-    SumFullRows(rows, row(firstFull), std::max(span.mLast, span.mFirst + 1) - firstFull);
-    using Total = typename SCollapsedRows<typename Tpixel::Sample>::Total;
-    WeighRows<SHIFT>(rows.mWeighted.data(), rows.mFull.data(), rows.mTop, rows.mBottom,
-                     static_cast<Total>(rows.mTopWeight), static_cast<Total>(rows.mBottomWeight),
-                     samples);
-    params->mDivisor = CAreaT<SHIFT>(CFixT<SHIFT>::WideProduct(params->mStepX, params->mStepY));
-    rows.mY = y;
-}
-
 /// The part of a weight in two dimensions that is left after the cut.
 template <int SHIFT>
 std::int32_t CornerWeight(std::int32_t wx, std::int32_t wy)
@@ -222,6 +93,40 @@ Tpixel NearestPixel(const SScaleParams<SHIFT, Tpixel>& params, const Tpixel* pix
     return pixels[row * params.mSrcWidth + column];
 }
 
+template <int SHIFT, typename Tpixel>
+SScaleParams<SHIFT, Tpixel> MakeParams(const CDataRect& source, Tpixel* dest, int width, int height)
+{
+    SScaleParams<SHIFT, Tpixel> params;
+    params.mSrcWidth = source.mWidth;
+    params.mSrcHeight = source.mHeight;
+    params.mStepX = CFixT<SHIFT>(source.mWidth, width);
+    params.mStepY = CFixT<SHIFT>(source.mHeight, height);
+    params.mArea = params.mStepX * params.mStepY;
+    params.mDest = dest;
+    params.mDestWidth = width;
+    params.mDestHeight = height;
+    return params;
+}
+
+/// Source pixels to a destination pixel.
+float AreaRatio(const CDataRect& source, int width, int height)
+{
+    return (static_cast<float>(source.mWidth) / static_cast<float>(width)) *
+           (static_cast<float>(source.mHeight) / static_cast<float>(height));
+}
+
+void ShowRatio(const CDataRect& source, int width, int height)
+{
+    if (source.mBits == 24)
+        std::cout << "ScaleFakt=" << AreaRatio(source, width, height) << std::endl;
+}
+
+template <typename Tpixel>
+void ShowPixelSize()
+{
+    std::cout << "sizeof(Tpixel)=" << sizeof(Tpixel) << std::endl;
+}
+
 }  // namespace
 
 template <int SHIFT, typename Tfix, typename Tpixel>
@@ -229,7 +134,7 @@ void CGraflib::GetScaledPicturePixel(SScaleParams<SHIFT, Tpixel>* params, int x,
 {
     using Sample = typename Tpixel::Sample;
     constexpr int kComponents = Tpixel::kComponents;
-    const auto* source = reinterpret_cast<const Sample*>(mData);
+    const auto* source = params->mBand ? params->mBand : reinterpret_cast<const Sample*>(mData);
 
     if (params->mRows.mY != y)
         CollapseRows(params, source, y);
@@ -261,75 +166,117 @@ void CGraflib::GetScaledPicturePixel(SScaleParams<SHIFT, Tpixel>* params, int x,
     sums.Store(params->mDivisor, params->mDest);
 }
 
-// Flattened: a call for every pixel would cost as much as half of its sums.
 template <int SHIFT, typename Tfix, typename Tpixel>
-[[gnu::flatten]] void CGraflib::DownScalePicture(Tpixel* dest, int width, int height)
+void CGraflib::DownScaleRow(SScaleParams<SHIFT, Tpixel>* params, int y)
 {
-    std::cout << "sizeof(Tpixel)=" << sizeof(Tpixel) << std::endl;
-    if (width <= 0 || height <= 0)
-        return;
-    SScaleParams<SHIFT, Tpixel> params;
-    params.mSrcWidth = mWidth;
-    params.mSrcHeight = mHeight;
-    params.mStepX = CFixT<SHIFT>(mWidth, width);
-    params.mStepY = CFixT<SHIFT>(mHeight, height);
-    params.mArea = params.mStepX * params.mStepY;
-    params.mDest = dest;
-    params.mDestWidth = width;
-    params.mDestHeight = height;
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            GetScaledPicturePixel<SHIFT, Tfix, Tpixel>(&params, x, y);
-            ++params.mDest;
-        }
+    for (int x = 0; x < params->mDestWidth; ++x) {
+        GetScaledPicturePixel<SHIFT, Tfix, Tpixel>(params, x, y);
+        ++params->mDest;
     }
 }
 
-template <template <int> class Tfix, typename Tpixel>
-unsigned char* CGraflib::DownScaleDepth(int width, int height)
+// Flattened, as is the next: a call for every pixel would cost as much as half of its sums.
+template <int SHIFT, typename Tfix, typename Tpixel>
+[[gnu::flatten]] void CGraflib::DownScalePicture(Tpixel* dest, int width, int height)
 {
-    if (width < 1 || height < 1 || mWidth < 1 || mHeight < 1 || !mData ||
+    ShowPixelSize<Tpixel>();
+    if (width <= 0 || height <= 0)
+        return;
+    auto params = MakeParams<SHIFT>(*this, dest, width, height);
+    for (int y = 0; y < height; ++y)
+        DownScaleRow<SHIFT, Tfix>(&params, y);
+}
+
+/// DownScalePicture of rows that are read meanwhile. False, with none read, where the footprint
+/// vanishes: then the rows under a destination row aren't the ones it is made of.
+template <int SHIFT, typename Tfix, typename Tpixel>
+[[gnu::flatten]] bool CGraflib::DownScaleBand(const char* name, Tpixel* dest, int width, int height)
+{
+    auto params = MakeParams<SHIFT>(*this, dest, width, height);
+    if (CFixT<SHIFT>::WideProduct(params.mStepX, params.mStepY) == 0)
+        return false;
+    CRowBand band(this, name, params.mStepY.Integer() + 2);
+    params.mBand = reinterpret_cast<const typename Tpixel::Sample*>(band.Rows());
+    for (int y = 0; y < height; ++y) {
+        const SSpan span = SpanOf(y, params.mStepY);
+        const int end = span.mLastWeight == 0 ? span.mLast : span.mLast + 1;
+        band.MoveTo(span.mFirst, std::max(end, span.mFirst + 1));
+        params.mBandRow = span.mFirst;
+        DownScaleRow<SHIFT, Tfix>(&params, y);
+    }
+    band.Skip(mHeight);
+    mData = reinterpret_cast<unsigned char*>(dest);  // for Show: the record isn't empty any more
+    Show(name);
+    mData = nullptr;
+    ShowRatio(*this, width, height);
+    ShowPixelSize<Tpixel>();
+    return true;
+}
+
+template <template <int> class Tfix, typename Tpixel>
+unsigned char* CGraflib::DownScaleDepth(int width, int height, const char* linesOf)
+{
+    if (width < 1 || height < 1 || mWidth < 1 || mHeight < 1 || !(mData || linesOf) ||
         !FitsSide(std::max(mWidth, mHeight), kLowestShift) || mHeight / height >= kMostRows)
         return nullptr;
     auto pixels = std::make_unique_for_overwrite<unsigned char[]>(
         static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * sizeof(Tpixel));
     auto* dest = reinterpret_cast<Tpixel*>(pixels.get());
-    const float ratio = (static_cast<float>(mWidth) / static_cast<float>(width)) *
-                        (static_cast<float>(mHeight) / static_cast<float>(height));
-    if (mBits == 24)
-        std::cout << "ScaleFakt=" << ratio << std::endl;
-    switch (ChooseShift(ratio, std::max(mWidth, mHeight))) {
+    bool done = true;
+    const auto scale = [&]<int SHIFT>() {
+        if (linesOf)
+            done = DownScaleBand<SHIFT, Tfix<SHIFT>>(linesOf, dest, width, height);
+        else
+            DownScalePicture<SHIFT, Tfix<SHIFT>>(dest, width, height);
+    };
+    if (!linesOf)
+        ShowRatio(*this, width, height);
+    switch (ChooseShift(AreaRatio(*this, width, height), std::max(mWidth, mHeight))) {
         case 16:
-            DownScalePicture<16, Tfix<16>>(dest, width, height);
+            scale.template operator()<16>();
             break;
         case 8:
-            DownScalePicture<8, Tfix<8>>(dest, width, height);
+            scale.template operator()<8>();
             break;
         case 4:
-            DownScalePicture<4, Tfix<4>>(dest, width, height);
+            scale.template operator()<4>();
             break;
         default:
-            DownScalePicture<kLowestShift, Tfix<kLowestShift>>(dest, width, height);
+            scale.template operator()<kLowestShift>();
             break;
     }
-    return ReplaceBuffer(std::move(pixels), width, height, mBits);
+    return done ? ReplaceBuffer(std::move(pixels), width, height, mBits) : nullptr;
+}
+
+/// DownScaleLines of the picture called `linesOf`, or, where that is null, DownScaleFix2.
+unsigned char* CGraflib::DownScaleAnyDepth(int width, int height, const char* linesOf)
+{
+    switch (mBits) {
+        case 8:
+            return DownScaleDepth<CPixel1fixT, SPixel1i<unsigned char>>(width, height, linesOf);
+        case 16:
+            return DownScaleDepth<CPixel1fixT, SPixel1i<short>>(width, height, linesOf);
+        case 24:
+            return DownScaleDepth<CPixel3fixT, SPixel3i<unsigned char>>(width, height, linesOf);
+        case 32:
+            return DownScaleDepth<CPixel4fixT, SPixel4i<unsigned char>>(width, height, linesOf);
+        default:
+            if (!linesOf)
+                std::cout << "***** unsupported bitcount:" << mBits << std::endl;
+            return nullptr;
+    }
 }
 
 unsigned char* CGraflib::DownScaleFix2(int width, int height)
 {
-    switch (mBits) {
-        case 8:
-            return DownScaleDepth<CPixel1fixT, SPixel1i<unsigned char>>(width, height);
-        case 16:
-            return DownScaleDepth<CPixel1fixT, SPixel1i<short>>(width, height);
-        case 24:
-            return DownScaleDepth<CPixel3fixT, SPixel3i<unsigned char>>(width, height);
-        case 32:
-            return DownScaleDepth<CPixel4fixT, SPixel4i<unsigned char>>(width, height);
-        default:
-            std::cout << "***** unsupported bitcount:" << mBits << std::endl;
-            return nullptr;
-    }
+    return DownScaleAnyDepth(width, height, nullptr);
+}
+
+unsigned char* CGraflib::DownScaleLines(const char* name, int width, int height)
+{
+    unsigned char* const pixels = DownScaleAnyDepth(width, height, name);
+    CloseReadLine();
+    return pixels;
 }
 
 // The instances for programs that call the templates themselves.

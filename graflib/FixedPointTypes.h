@@ -156,6 +156,10 @@ struct SScaleParams
     int mDestWidth = 0;      ///< in pixels; the target size matters only where mArea vanishes
     int mDestHeight = 0;
     SCollapsedRows<typename Tpixel::Sample> mRows;
+    /// The source row mBandRow and those behind it, where rows come one by one; null where all of
+    /// them are in the image's buffer.
+    const typename Tpixel::Sample* mBand = nullptr;
+    int mBandRow = 0;
 };
 
 #endif

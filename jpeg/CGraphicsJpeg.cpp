@@ -152,8 +152,6 @@ bool CGraphicsJpeg::InitJpegRead(int* width, int* height, int* components)
         jpeg_start_decompress(&decompressor);
         const JDIMENSION rowBytes =
             decompressor.output_width * static_cast<JDIMENSION>(decompressor.output_components);
-        state.mRow = decompressor.mem->alloc_sarray(reinterpret_cast<j_common_ptr>(&decompressor),
-                                                    JPOOL_IMAGE, rowBytes, kOneRow);
         state.mDecodedRowBytes = static_cast<int>(rowBytes);
     });
     if (!ok) {
@@ -213,11 +211,7 @@ bool CGraphicsJpeg::ReadJpegLine()
 
 bool CGraphicsJpeg::ReadJpegLine(void* line)
 {
-    // Through the row buffer, so that a row that fails leaves the caller's line alone.
-    if (!LinesRemain() || !DecodeLine(mState->mRow[0]))
-        return false;
-    std::memcpy(line, mState->mRow[0], static_cast<std::size_t>(mState->mDecodedRowBytes));
-    return true;
+    return LinesRemain() && DecodeLine(static_cast<unsigned char*>(line));
 }
 
 /// Ends a read in any state. An error while finishing is no loss: all rows are delivered then. A

@@ -25,8 +25,7 @@ struct SJpegState
     jpeg_progress_mgr mProgress;  // counts the scans read
     std::FILE* mInput;            // null while no read is open
     std::FILE* mOutput;           // null while no line-wise write is open
-    JSAMPARRAY mRow;            // one row, for line-wise reading, in the decompressor's image pool
-    unsigned char* mImageData;  // the caller's pixels: those being read, or those to encode
+    unsigned char* mImageData;    // the caller's pixels: those being read, or those to encode
     int mDecodedRowBytes;
     int mTargetRowBytes;  // in mImageData; equal to mDecodedRowBytes, as nothing is scaled
     int mHeight;          // of the picture being encoded

@@ -121,7 +121,7 @@ TEST_F(HostileFolder, RunsWithinSmallLimits)
     EXPECT_EQ(Try("exec " TESSEL_PROGRAM " . <&- >&- 2>&-"), "");
     EXPECT_TRUE(Files() == expected);
 #ifndef __SANITIZE_ADDRESS__  // which needs more address space than there is
-    WriteAll(mGallery / "large.jpg", EncodeJpeg(9000, 9000, 1, Bytes(81000000, 7)));
+    WriteAll(mGallery / "large.jpg", EncodeJpeg(9000, 9000, 1, Bytes(81000000, 7), 80, true));
     const std::string output = Try("ulimit -v 60000; exec " TESSEL_PROGRAM " .");
     EXPECT_NE(output.find("Reading ./large.jpg\n"), std::string::npos);
     EXPECT_EQ(output.find("failed"), std::string::npos);

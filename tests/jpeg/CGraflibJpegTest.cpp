@@ -105,3 +105,46 @@ TEST_F(CGraflibJpegTest, WritesRefuseBeforeTheyTouchTheFile)
     EXPECT_EQ(ReadAll(mFile), "as it was");
     EXPECT_EQ(OutputOf([&] { empty.OpenWriteLine("/no/x"); }), "Errors: 2 /no/x");
 }
+
+TEST_F(CGraflibJpegTest, ScalesWhileReading)
+{
+    const Sizes sizes[] = {{33, 47, 7, 11},  {33, 47, 33, 47}, {50, 3, 49, 2}, {40, 200, 1, 1},
+                           {9, 300, 40, 50}, {31, 64, 8, 16},  {2, 1, 9, 700}};
+    for (const auto& [fromWidth, fromHeight, width, height] : sizes) {
+        for (const int components : {1, 3, 4}) {
+            WriteAll(mFile, SampleJpeg(fromWidth, fromHeight, components));
+            TestImage whole, lines;
+            const std::string expected = OutputOf([&, &w = width, &h = height] {
+                whole.Read(mPath, nullptr);
+                whole.Show(mPath);
+                whole.DownScaleFix2(w, h);
+            });
+            EXPECT_EQ(OutputOf([&, &w = width, &h = height] {
+                          lines.OpenReadLine(mPath);
+                          lines.DownScaleLines(mPath, w, h);
+                      }),
+                      expected);
+            EXPECT_EQ(lines.GetShape(), whole.GetShape());
+            EXPECT_TRUE(lines.Pixels() == whole.Pixels()) << width << ' ' << height;
+        }
+    }
+    // Nothing is read where there is no result, or none that rows could be put together to.
+    for (const auto& [width, height] : {std::pair(0, 5), std::pair(5, 0), std::pair(200000, 200)}) {
+        TestImage lines;
+        lines.OpenReadLine(mPath);
+        EXPECT_EQ(OutputOf([&, &w = width, &h = height] {
+                      EXPECT_EQ(lines.DownScaleLines(mPath, w, h), nullptr);
+                  }),
+                  "");
+    }
+    // A file that is damaged beyond its first rows.
+    std::string jpeg = EncodeJpeg(64, 64, 3, Noise(64 * 64 * 3), 80, true);
+    TestImage image;
+    WriteAll(mFile, jpeg);
+    image.OpenReadLine(mPath);
+    unsigned char row[64 * 3];
+    for (int y = 0; y < 60; ++y)
+        image.ReadLine(row);
+    EXPECT_EQ(OutputOf([&] { image.DownScaleLines(mPath, 8, 8); }), "Errors: 1 " + mFile);
+    EXPECT_EQ(image.mData, nullptr);
+}
