@@ -34,7 +34,7 @@ TOLERANCE = 12
 NAMES = {
     "thumbnail link name": (
         b"two words.jpg", b"it's.jpg", b"a>b.jpg", b"a&b.jpg", b"100%.jpg", b"12:30.jpg",
-        b"a;b+c=d,e!f(g)[h]{i}~$@^`|*.jpg", "ä.jpg".encode()),
+        b"a b:c.jpg", b"a;b+c=d,e!f(g)[h]{i}~$@^`|*.jpg", "ä.jpg".encode()),
     "thumbnail link": (b"two  blanks.jpg", b"a<b.jpg", b"a&copyb.jpg"),
     "thumbnail name": (b"abc:def.jpg",),
     "thumbnail": (b" leading.jpg",),
