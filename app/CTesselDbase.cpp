@@ -29,14 +29,6 @@ bool IsStorable(const std::string& name)
                                 [](char c) { return c == kSeparator || c == '\n' || c == '\r'; });
 }
 
-/// Cuts a line behind its second field, so that a line of a million fields costs no more.
-void CutThirdField(std::string* line)
-{
-    const auto first = line->find(kSeparator);
-    if (first != std::string::npos)
-        line->resize(std::min(line->size(), line->find(kSeparator, first + 1)));
-}
-
 /// How many characters all names begin with.
 std::size_t CommonLength(const std::vector<std::string>& names)
 {
@@ -94,7 +86,8 @@ bool CTessel::TestFile(const char* folder, const char* name, const SFileInfo* re
 {
     __builtin_prefetch(record);  // to be there when the kernel has answered
     long time = 0;
-    if (!GetUnixFileTime((std::string(folder) + "/" + name).c_str(), &time))
+    const std::string path = std::string(folder).append("/").append(name);
+    if (!GetUnixFileTime(path.c_str(), &time))
         return true;
     if (!record) {
         const auto [found, added] = mFileInfoSet.insert({name, time});
@@ -136,17 +129,16 @@ void CTessel::ReadDbase(const char* path)
     CFileIO file;
     if (!IsReadable(path) || !file.OpenFileRead(path, CFileIO::kBinary))
         return;
-    CStringTool text;
     std::string line;
-    std::vector<std::string> fields;
     while (file.ReadLine(&line)) {
-        CutThirdField(&line);
-        fields.clear();
-        if (text.SplitString(line, &fields, kSeparator) < 2)
+        const auto separator = line.find(kSeparator);
+        if (separator == std::string::npos)
             continue;
+        const auto time = separator + 1;
+        const std::string field = line.substr(time, line.find(kSeparator, time) - time);
+        line.resize(separator);
         // At the end, where the records of a file that this program wrote belong.
-        mFileInfoSet.insert(mFileInfoSet.end(),
-                            {std::move(fields[0]), text.StringTo<long>(fields[1])});
+        mFileInfoSet.insert(mFileInfoSet.end(), {line, CStringTool::StringTo<long>(field)});
     }
     file.CloseFile();
 }

@@ -134,10 +134,9 @@ void CGraflib::GetScaledPicturePixel(SScaleParams<SHIFT, Tpixel>* params, int x,
 {
     using Sample = typename Tpixel::Sample;
     constexpr int kComponents = Tpixel::kComponents;
-    const auto* source = params->mBand ? params->mBand : reinterpret_cast<const Sample*>(mData);
 
     if (params->mRows.mY != y)
-        CollapseRows(params, source, y);
+        CollapseRows(params, params->mBand ? params->mBand : reinterpret_cast<Sample*>(mData), y);
     if (params->mDivisor.IsZero()) {
         *params->mDest = NearestPixel(*params, reinterpret_cast<const Tpixel*>(mData), x, y);
         return;
@@ -169,7 +168,8 @@ void CGraflib::GetScaledPicturePixel(SScaleParams<SHIFT, Tpixel>* params, int x,
 template <int SHIFT, typename Tfix, typename Tpixel>
 void CGraflib::DownScaleRow(SScaleParams<SHIFT, Tpixel>* params, int y)
 {
-    for (int x = 0; x < params->mDestWidth; ++x) {
+    const int width = params->mDestWidth;
+    for (int x = 0; x < width; ++x) {
         GetScaledPicturePixel<SHIFT, Tfix, Tpixel>(params, x, y);
         ++params->mDest;
     }

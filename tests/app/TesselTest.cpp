@@ -182,14 +182,14 @@ TEST_F(Tessel, RemakesWhatIsNewOrLater)
 
 TEST_F(Tessel, ReadsAndHealsDatabases)
 {
-    WriteAll(
-        mFile,
-        "b\t2\r\na\t1\tmore\na\t3\n\nno tab\n\t7\nx\t\nz\t-5\nA\t99999999999999999999\nunended\t1");
+    WriteAll(mFile,
+             "b\t2\r\nd\t\t4\na\t1\tmore\na\t3\n\nno "
+             "tab\n\t7\nx\t\nz\t-5\nA\t99999999999999999999\nunended\t1");
     CTessel tessel;
     tessel.ReadDbase(mPath);
     tessel.mFileInfoSet.insert({{"tab\t", 3}, {"feed\n", 3}, {"return\r", 3}});
     tessel.WriteDbase(mPath);
-    EXPECT_EQ(ReadAll(mFile), "\t7\nA\t0\na\t1\nb\t2\nx\t0\nz\t-5\n");
+    EXPECT_EQ(ReadAll(mFile), "\t7\nA\t0\na\t1\nb\t2\nd\t0\nx\t0\nz\t-5\n");
 }
 
 TEST_F(Tessel, GoesOnPastWhatFails)
