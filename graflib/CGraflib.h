@@ -11,6 +11,8 @@ class CFileIO;
 struct SFileReadInfo;
 template <int SHIFT, typename Tpixel>
 struct SScaleParams;
+template <int SHIFT, typename Tpixel>
+struct SRowSums;
 
 /// The abstract image: a record (see CDataRect for its layout and who owns its buffer), the
 /// operations on it, and the slots for reading and writing files that a class for one file format
@@ -146,6 +148,9 @@ protected:
                                  int bits);
 
 private:
+    /// The same for a pixel of a row whose sums are at hand; the footprint's area must not vanish.
+    template <int SHIFT, typename Tfix, typename Tpixel>
+    static void GetScaledPicturePixel(const SRowSums<SHIFT, Tpixel>& row, int x, Tpixel* dest);
     template <int SHIFT, typename Tfix, typename Tpixel>
     void DownScaleRow(SScaleParams<SHIFT, Tpixel>* params, int y);
     template <int SHIFT, typename Tfix, typename Tpixel>

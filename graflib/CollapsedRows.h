@@ -84,39 +84,52 @@ void SumPart(SCollapsedRows<Tsample>& rows, const Tsample* row, int count)
         AddRows<true, kAtOnce>(sums, row, samples);
 }
 
-/// Sums `count` neighbouring rows into rows.mFull. The narrow partial sums are what makes this
-/// fast: half the bytes, twice the lanes.
-template <typename Tsample>
-void SumFullRows(SCollapsedRows<Tsample>& rows, const Tsample* row, int count)
+/// full[i] = KEEP * full[i] + part[i], the sum of the full rows, and
+/// weighted[i] = full[i] * ONE + top[i] * topWeight + bottom[i] * bottomWeight.
+template <bool KEEP, int SHIFT, typename Tsample>
+TESSEL_VERSIONS void WeighRows(SCollapsedRows<Tsample>& rows)
 {
-    using Rows = SCollapsedRows<Tsample>;
-    static_assert(Rows::kRowsPerPart * std::numeric_limits<Tsample>::max() <=
-                  std::numeric_limits<typename Rows::Part>::max());
+    using Total = typename SCollapsedRows<Tsample>::Total;
+    Total* __restrict full = rows.mFull.data();
+    Total* __restrict weighted = rows.mWeighted.data();
+    const auto* part = rows.mPart.data();
+    const Tsample* top = rows.mTop;
+    const Tsample* bottom = rows.mBottom;
+    const auto topWeight = static_cast<Total>(rows.mTopWeight);
+    const auto bottomWeight = static_cast<Total>(rows.mBottomWeight);
     const std::size_t samples = rows.mFull.size();
-    SumPart(rows, row, std::min(count, Rows::kRowsPerPart));
-    AddRows<false, 1>(rows.mFull.data(), rows.mPart.data(), samples);
-    for (count -= Rows::kRowsPerPart; count > 0; count -= Rows::kRowsPerPart) {
-        row += Rows::kRowsPerPart * samples;
-        SumPart(rows, row, std::min(count, Rows::kRowsPerPart));
-        AddRows<true, 1>(rows.mFull.data(), rows.mPart.data(), samples);
+    for (std::size_t i = 0; i < samples; ++i) {
+        const Total sum = (KEEP ? full[i] : Total{0}) + static_cast<Total>(part[i]);
+        full[i] = sum;
+        weighted[i] = (sum << SHIFT) + topWeight * static_cast<Total>(top[i]) +
+                      bottomWeight * static_cast<Total>(bottom[i]);
     }
 }
 
-/// weighted = full * ONE + top * topWeight + bottom * bottomWeight, sample by sample.
-template <int SHIFT, typename Tsample, typename Ttotal>
-TESSEL_VERSIONS void WeighRows(Ttotal* __restrict weighted, const Ttotal* full, const Tsample* top,
-                               const Tsample* bottom, Ttotal topWeight, Ttotal bottomWeight,
-                               std::size_t samples)
+/// Sums `count` neighbouring full rows and weighs all. The narrow partial sums are what makes this
+/// fast: half the bytes, twice the lanes.
+template <int SHIFT, typename Tsample>
+void SumRows(SCollapsedRows<Tsample>& rows, const Tsample* row, int count)
 {
-    for (std::size_t i = 0; i < samples; ++i)
-        weighted[i] = (full[i] << SHIFT) + topWeight * static_cast<Ttotal>(top[i]) +
-                      bottomWeight * static_cast<Ttotal>(bottom[i]);
+    constexpr int kMost = SCollapsedRows<Tsample>::kRowsPerPart;
+    static_assert(kMost * std::numeric_limits<Tsample>::max() <=
+                  std::numeric_limits<typename SCollapsedRows<Tsample>::Part>::max());
+    const std::size_t samples = rows.mFull.size();
+    const bool inParts = count > kMost;
+    if (inParts)
+        std::ranges::fill(rows.mFull, 0);
+    for (; count > kMost; count -= kMost, row += kMost * samples) {
+        SumPart(rows, row, kMost);
+        AddRows<true, 1>(rows.mFull.data(), rows.mPart.data(), samples);
+    }
+    SumPart(rows, row, count);
+    inParts ? WeighRows<true, SHIFT>(rows) : WeighRows<false, SHIFT>(rows);
 }
 
 /// Renews params->mRows for destination row y. `source` is the source row number params->mBandRow.
 template <int SHIFT, typename Tpixel>
-[[gnu::noinline]] void CollapseRows(SScaleParams<SHIFT, Tpixel>* params,
-                                    const typename Tpixel::Sample* source, int y)
+[[gnu::noinline]] void RenewRows(SScaleParams<SHIFT, Tpixel>* params,
+                                 const typename Tpixel::Sample* source, int y)
 {
     auto& rows = params->mRows;
     const std::size_t samples = static_cast<std::size_t>(params->mSrcWidth) * Tpixel::kComponents;
@@ -135,13 +148,22 @@ template <int SHIFT, typename Tpixel>
     rows.mTopWeight = whole ? 0 : span.mFirstWeight;
     rows.mBottom = row(span.mLastWeight == 0 ? span.mFirst : span.mLast);
     rows.mBottomWeight = span.mLastWeight;
-    SumFullRows(rows, row(firstFull), std::max(span.mLast, span.mFirst + 1) - firstFull);
-    using Total = typename SCollapsedRows<typename Tpixel::Sample>::Total;
-    WeighRows<SHIFT>(rows.mWeighted.data(), rows.mFull.data(), rows.mTop, rows.mBottom,
-                     static_cast<Total>(rows.mTopWeight), static_cast<Total>(rows.mBottomWeight),
-                     samples);
+    SumRows<SHIFT>(rows, row(firstFull), std::max(span.mLast, span.mFirst + 1) - firstFull);
     params->mDivisor = CAreaT<SHIFT>(CFixT<SHIFT>::WideProduct(params->mStepX, params->mStepY));
     rows.mY = y;
+}
+
+/// The sums for destination row y, worked out where params->mRows holds another row's. `pixels` is
+/// the image's buffer, which counts where the rows don't come one by one.
+template <int SHIFT, typename Tpixel>
+SRowSums<SHIFT, Tpixel> CollapseRows(SScaleParams<SHIFT, Tpixel>* params,
+                                     const unsigned char* pixels, int y)
+{
+    using Sample = typename Tpixel::Sample;
+    if (params->mRows.mY != y)
+        RenewRows(params, params->mBand ? params->mBand : reinterpret_cast<const Sample*>(pixels),
+                  y);
+    return SRowSums<SHIFT, Tpixel>(*params);
 }
 
 }  // namespace

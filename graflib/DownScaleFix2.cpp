@@ -130,49 +130,48 @@ void ShowPixelSize()
 }  // namespace
 
 template <int SHIFT, typename Tfix, typename Tpixel>
-void CGraflib::GetScaledPicturePixel(SScaleParams<SHIFT, Tpixel>* params, int x, int y)
+void CGraflib::GetScaledPicturePixel(const SRowSums<SHIFT, Tpixel>& row, int x, Tpixel* dest)
 {
-    using Sample = typename Tpixel::Sample;
     constexpr int kComponents = Tpixel::kComponents;
-
-    if (params->mRows.mY != y)
-        CollapseRows(params, params->mBand ? params->mBand : reinterpret_cast<Sample*>(mData), y);
-    if (params->mDivisor.IsZero()) {
-        *params->mDest = NearestPixel(*params, reinterpret_cast<const Tpixel*>(mData), x, y);
-        return;
-    }
-
-    const auto& rows = params->mRows;
-    const auto* const full = rows.mFull.data();
-    const auto* const weighted = rows.mWeighted.data();
-    const Sample* const top = rows.mTop;
-    const Sample* const bottom = rows.mBottom;
-    const std::int32_t topWeight = rows.mTopWeight;
-    const std::int32_t bottomWeight = rows.mBottomWeight;
     Tfix sums;
-    const auto addEdge = [=, &sums](int column, std::int32_t weight) {
+    const auto addEdge = [&](int column, std::int32_t weight) {
         const std::ptrdiff_t i = std::ptrdiff_t{column} * kComponents;
-        sums.Add(full + i, weight);
-        sums.Add(top + i, CornerWeight<SHIFT>(weight, topWeight));
-        sums.Add(bottom + i, CornerWeight<SHIFT>(weight, bottomWeight));
+        sums.Add(row.mFull + i, weight);
+        sums.Add(row.mTop + i, CornerWeight<SHIFT>(weight, row.mTopWeight));
+        sums.Add(row.mBottom + i, CornerWeight<SHIFT>(weight, row.mBottomWeight));
     };
-    const SSpan span = SpanOf(x, params->mStepX);
+    const SSpan span = SpanOf(x, row.mStepX);
     addEdge(span.mFirst, span.mFirstWeight);
     for (int column = span.mFirst + 1; column < span.mLast; ++column)
-        sums.Add(weighted + std::ptrdiff_t{column} * kComponents, 1);
+        sums.Add(row.mWeighted + std::ptrdiff_t{column} * kComponents, 1);
     if (span.mLastWeight != 0)
         addEdge(span.mLast, span.mLastWeight);
-    sums.Store(params->mDivisor, params->mDest);
+    sums.Store(row.mDivisor, dest);
+}
+
+template <int SHIFT, typename Tfix, typename Tpixel>
+void CGraflib::GetScaledPicturePixel(SScaleParams<SHIFT, Tpixel>* params, int x, int y)
+{
+    const auto row = CollapseRows(params, mData, y);
+    if (row.mDivisor.IsZero())
+        *params->mDest = NearestPixel(*params, reinterpret_cast<const Tpixel*>(mData), x, y);
+    else
+        GetScaledPicturePixel<SHIFT, Tfix>(row, x, params->mDest);
 }
 
 template <int SHIFT, typename Tfix, typename Tpixel>
 void CGraflib::DownScaleRow(SScaleParams<SHIFT, Tpixel>* params, int y)
 {
+    const auto row = CollapseRows(params, mData, y);
     const int width = params->mDestWidth;
-    for (int x = 0; x < width; ++x) {
-        GetScaledPicturePixel<SHIFT, Tfix, Tpixel>(params, x, y);
-        ++params->mDest;
+    if (row.mDivisor.IsZero()) {
+        for (int x = 0; x < width; ++x, ++params->mDest)
+            GetScaledPicturePixel<SHIFT, Tfix>(params, x, y);
+        return;
     }
+    for (int x = 0; x < width; ++x)
+        GetScaledPicturePixel<SHIFT, Tfix>(row, x, params->mDest + x);
+    params->mDest += width;
 }
 
 // Flattened, as is the next: a call for every pixel would cost as much as half of its sums.

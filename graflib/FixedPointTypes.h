@@ -127,7 +127,6 @@ struct SCollapsedRows
     /// Twice as wide as a sample: room for the sum of kRowsPerPart samples.
     using Part = std::conditional_t<sizeof(Tsample) == 1, std::uint16_t, std::int32_t>;
     static constexpr int kRowsPerPart = 256;
-    using Weight = std::conditional_t<sizeof(Tsample) == 1, std::uint16_t, std::int32_t>;
     using Total = std::conditional_t<sizeof(Tsample) == 1, std::uint32_t, std::int64_t>;
 
     int mY = -1;                       ///< the destination row; -1 while there is none
@@ -160,6 +159,37 @@ struct SScaleParams
     /// them are in the image's buffer.
     const typename Tpixel::Sample* mBand = nullptr;
     int mBandRow = 0;
+};
+
+/// What the pixels of one destination row share. Made for each row and held by value: a record
+/// behind a pointer would have to be read again for every pixel, as the bytes stored for the one
+/// before may be anything, and that took a seventh of the time.
+template <int SHIFT, typename Tpixel>
+struct SRowSums
+{
+    using Sample = typename Tpixel::Sample;
+    using Total = typename SCollapsedRows<Sample>::Total;
+
+    explicit SRowSums(const SScaleParams<SHIFT, Tpixel>& params)
+        : mFull(params.mRows.mFull.data()),
+          mWeighted(params.mRows.mWeighted.data()),
+          mTop(params.mRows.mTop),
+          mBottom(params.mRows.mBottom),
+          mTopWeight(params.mRows.mTopWeight),
+          mBottomWeight(params.mRows.mBottomWeight),
+          mStepX(params.mStepX),
+          mDivisor(params.mDivisor)
+    {
+    }
+
+    const Total* mFull;
+    const Total* mWeighted;
+    const Sample* mTop;
+    const Sample* mBottom;
+    std::int32_t mTopWeight;
+    std::int32_t mBottomWeight;
+    CFixT<SHIFT> mStepX;
+    CAreaT<SHIFT> mDivisor;
 };
 
 #endif
