@@ -1,21 +1,20 @@
 // The database: whatever is read, what is then written is read back the same.
 #include <algorithm>
+#include <filesystem>
 
 #include "app/CTessel.h"
 #include "fuzz/Fuzz.h"
 
 namespace {
 
-/// A folder of this process, for the writer's file and its draft.
-std::string ScratchPath()
+/// A folder of this process, for the writer's file and its draft; removed in the end.
+struct ScratchFolder
 {
-    static const std::string folder = [] {
-        std::string path = "/tmp/tessel-dbase-XXXXXX";
-        Require(mkdtemp(path.data()) != nullptr, "a folder can be made");
-        return path;
-    }();
-    return folder + "/base";
-}
+    ScratchFolder() { Require(mkdtemp(mPath.data()) != nullptr, "a folder can be made"); }
+    ~ScratchFolder() { std::filesystem::remove_all(mPath); }
+
+    std::string mPath = std::filesystem::temp_directory_path() / "tessel-dbase-XXXXXX";
+};
 
 bool IsSame(const SFileInfo& a, const SFileInfo& b)
 {
@@ -29,7 +28,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const MemoryFile file(AsText(data, size));
     CTessel first;
     first.ReadDbase(file.Path().c_str());
-    const std::string path = ScratchPath();
+    static const ScratchFolder scratch;
+    const std::string path = scratch.mPath + "/base";
     first.WriteDbase(path.c_str());
     CTessel second;
     second.ReadDbase(path.c_str());
