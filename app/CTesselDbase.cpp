@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <utility>
 #include <vector>
@@ -84,9 +85,11 @@ bool CTessel::GetUnixFileTime(const char* path, long* time)
 
 bool CTessel::TestFile(const char* folder, const char* name, const SFileInfo* record)
 {
-    __builtin_prefetch(record);  // to be there when the kernel has answered
+    __builtin_prefetch(record ? &record->mTime : nullptr);  // to be there when the kernel answers
     long time = 0;
-    const std::string path = std::string(folder).append("/").append(name);
+    std::string path;
+    path.reserve(std::strlen(folder) + 1 + std::strlen(name));
+    path.append(folder).append("/").append(name);
     if (!GetUnixFileTime(path.c_str(), &time))
         return true;
     if (!record) {
