@@ -1,12 +1,15 @@
 #ifndef TESSEL_JPEG_SJPEGSTATE_H
 #define TESSEL_JPEG_SJPEGSTATE_H
 
-// Private to CGraphicsJpeg.cpp, the only source that sees libjpeg.
+// Private to the sources of CGraphicsJpeg, the only ones that see libjpeg.
 
 #include <csetjmp>
 #include <cstdio>
 // libjpeg's header wants stdio's names declared before it.
 #include <jpeglib.h>
+
+/// Rows go to and from libjpeg one by one.
+inline constexpr JDIMENSION kOneRow = 1;
 
 /// libjpeg's error manager with the place to which its error exit jumps.
 struct SJumpingErrors
