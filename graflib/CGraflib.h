@@ -148,7 +148,7 @@ protected:
                                  int bits);
 
 private:
-    /// The same for a pixel of a row whose sums are at hand; the footprint's area must not vanish.
+    /// Works out pixel x of a row whose sums are at hand; the footprint's area must not vanish.
     template <int SHIFT, typename Tfix, typename Tpixel>
     static void GetScaledPicturePixel(const SRowSums<SHIFT, Tpixel>& row, int x, Tpixel* dest);
     template <int SHIFT, typename Tfix, typename Tpixel>
