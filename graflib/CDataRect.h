@@ -3,6 +3,8 @@
 
 #include <cstddef>
 
+#include "util/SizeProduct.h"
+
 /// The image record: a buffer of packed pixels with the picture's size and depth.
 ///
 /// Rows lie one behind the other, the top row first, without padding; a row is
@@ -16,7 +18,8 @@
 ///
 /// The buffer is an array made with `new unsigned char[]`. The record refers to it and never
 /// releases it: who had it filled releases it with `delete[]`, by hand or with CPixelOwner.
-/// Copying a record copies the pointer, not the pixels. One record is used by one thread at a time.
+/// Copying a record copies the pointer, not the pixels. Sizes that no buffer can have throw
+/// `std::bad_alloc` where they are multiplied. One record is used by one thread at a time.
 struct CDataRect
 {
     unsigned char* mData = nullptr;  ///< null while the record holds no picture
@@ -25,16 +28,10 @@ struct CDataRect
     int mBits = 0;                   ///< bits per pixel
 
     /// Bytes from one row to the next.
-    std::size_t RowBytes() const
-    {
-        return static_cast<std::size_t>(mWidth) * static_cast<std::size_t>(mBits / 8);
-    }
+    std::size_t RowBytes() const { return SizeProduct(mWidth, mBits / 8); }
     /// Bytes of the whole buffer.
-    std::size_t Bytes() const { return RowBytes() * static_cast<std::size_t>(mHeight); }
-    std::size_t PixelCount() const
-    {
-        return static_cast<std::size_t>(mWidth) * static_cast<std::size_t>(mHeight);
-    }
+    std::size_t Bytes() const { return SizeProduct(mWidth, mBits / 8, mHeight); }
+    std::size_t PixelCount() const { return SizeProduct(mWidth, mHeight); }
 };
 
 /// Releases a record's pixel buffer, whichever it then is, when the scope is left.

@@ -26,7 +26,8 @@ class CNewPixels
 public:
     explicit CNewPixels(std::size_t count)
         : mCount(count),
-          mBytes(std::make_unique_for_overwrite<unsigned char[]>(mCount * sizeof(Tpixel)))
+          mBytes(
+              std::make_unique_for_overwrite<unsigned char[]>(SizeProduct(mCount, sizeof(Tpixel))))
     {
     }
 

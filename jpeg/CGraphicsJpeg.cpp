@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "jpeg/SJpegState.h"
+#include "util/SizeProduct.h"
 // libjpeg's error codes, which need its types.
 #include <jerror.h>
 
@@ -208,8 +209,8 @@ unsigned char* CGraphicsJpeg::ReadJpeg(const char* fileName, int* width, int* he
     } const closer{this};
 
     mState->mTargetRowBytes = *width * *components;
-    auto pixels = std::make_unique_for_overwrite<unsigned char[]>(
-        static_cast<std::size_t>(mState->mTargetRowBytes) * static_cast<std::size_t>(*height));
+    auto pixels =
+        std::make_unique_for_overwrite<unsigned char[]>(SizeProduct(*width, *components, *height));
     mState->mImageData = pixels.get();
     mState->mWriteCursor = pixels.get();
     while (LinesRemain()) {
