@@ -1,6 +1,7 @@
 #include "util/CFileIO.h"
 
 #include <cstring>
+#include <memory>
 
 namespace {
 
@@ -28,11 +29,17 @@ std::ios_base::openmode ToOpenMode(int bits)
 
 }  // namespace
 
+void CFileIO::Release()
+{
+    delete mStream;
+    mStream = nullptr;
+}
+
 bool CFileIO::Open(const char* name, int mode)
 {
     // The old file is closed before the new one, perhaps the same, is opened.
-    mStream = std::make_unique<std::fstream>();
-    mStream->open(name, ToOpenMode(mode));
+    Release();
+    mStream = new std::fstream(name, ToOpenMode(mode));
     return mStream->good();
 }
 
@@ -67,7 +74,7 @@ void CFileIO::CloseFile()
 {
     if (!mWriteOk && !mReadOk)
         return;
-    mStream.reset();
+    Release();
     mWriteOk = false;
     mReadOk = false;
 }

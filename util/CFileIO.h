@@ -2,7 +2,6 @@
 #define TESSEL_UTIL_CFILEIO_H
 
 #include <fstream>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -29,6 +28,12 @@ public:
     CFileIO() = default;
     CFileIO(const CFileIO&) = delete;
     CFileIO& operator=(const CFileIO&) = delete;
+    ~CFileIO() { delete mStream; }
+
+    // The state, to be looked at and not to be changed.
+    std::fstream* mStream = nullptr;  ///< owned; null while closed, failed after a failed open
+    bool mWriteOk = false;            ///< the last open for writing worked
+    bool mReadOk = false;             ///< the last open for reading worked
 
     // --- Opening and closing -------------------------------------------------------------------
 
@@ -98,7 +103,8 @@ public:
     /// Lists a folder's entries whose names end in `pattern`, letter case aside. A '*' in front of
     /// the pattern is dropped; no other character is special. `list` is emptied, then holds the
     /// bare names in the order in which the system delivers them. Only names are looked at: folders
-    /// are listed too. False when the folder can't be opened.
+    /// are listed too. False when the folder can't be opened. `folder` and `pattern` may stand in
+    /// the list.
     static bool ResolveWildCard(const char* folder, const char* pattern,
                                 std::vector<std::string>* list);
     /// The same as an array of strings with a null pointer behind the last, to be released with
@@ -146,11 +152,8 @@ public:
     static char* NewString(const char* text);
 
 private:
+    void Release();
     bool Open(const char* name, int mode);
-
-    std::unique_ptr<std::fstream> mStream;  // also holds what a failed open left behind
-    bool mWriteOk = false;                  // the last open for writing worked
-    bool mReadOk = false;                   // the last open for reading worked
 };
 
 #endif

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <iostream>
 #include <limits>
+#include <memory>
 #include <string_view>
 
 #include "util/CFileIO.h"
@@ -43,13 +44,13 @@ bool EndsIn(std::string_view name, const char* suffix)
 bool CFileIO::ResolveWildCard(const char* folder, const char* pattern,
                               std::vector<std::string>* list)
 {
-    list->clear();
     const std::unique_ptr<DIR, FolderCloser> handle(opendir(folder));
+    const std::string suffix(*pattern == '*' ? pattern + 1 : pattern);
+    list->clear();  // only now, as both names may stand in it
     if (!handle)
         return false;
-    const char* suffix = *pattern == '*' ? pattern + 1 : pattern;
     while (const dirent* entry = readdir(handle.get())) {
-        if (EndsIn(entry->d_name, suffix))
+        if (EndsIn(entry->d_name, suffix.c_str()))
             list->emplace_back(entry->d_name);
     }
     return true;

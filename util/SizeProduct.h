@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <new>
 
 /// The product of sizes, such as of a width, a height and the bytes of a pixel: what an array is

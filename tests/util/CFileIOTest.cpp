@@ -70,7 +70,10 @@ TEST_F(CFileIOTest, ResolveWildCardMatchesEndsOfNames)
         std::sort(names.begin(), names.end());
         EXPECT_EQ(names, expected);
     }
-    EXPECT_FALSE(mIO.ResolveWildCard(mPath, "*", &names));
+    names = {mFolder, "*.bak"};
+    EXPECT_TRUE(mIO.ResolveWildCard(names[0].c_str(), names[1].c_str(), &names));
+    EXPECT_EQ(names, Names{"e.jpg.bak"});
+    EXPECT_TRUE(!mIO.ResolveWildCard(mPath, "*", &names) && names.empty());
     char** list = nullptr;
     EXPECT_EQ(OutputOf([&] { list = mIO.ResolveWildCard(mFolder.c_str(), "*.bak", &mSize); }),
               "CFileIO::ResolveWildCard Dir=" + mFolder.string() + " Wildcard=*.bak\n");
