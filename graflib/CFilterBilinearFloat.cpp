@@ -4,8 +4,13 @@
 #include "graflib/CFilterBilinearFloat.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <iostream>
+#include <memory>
 #include <new>
+
+#include "util/SizeProduct.h"
 
 namespace {
 
@@ -19,6 +24,26 @@ F FirstWeight(F start, int first)
     return static_cast<F>(1.0 - static_cast<double>(start - static_cast<F>(first)));
 }
 
+/// A position cut to a whole number, from 0 to `most`. Compared first: the longest sides become a
+/// position that no int can hold.
+template <typename F>
+int Cut(F position, int most)
+{
+    if (!(position > 0))
+        return 0;
+    return position < static_cast<F>(most) ? static_cast<int>(position) : most;
+}
+
+/// Room for a picture with a row and a column more; null where there is none.
+template <typename T>
+std::unique_ptr<T[]> NewArray(int width, int height, int components)
+try {
+    return std::unique_ptr<T[]>(
+        new T[SizeProduct(std::int64_t{width} + 1, std::int64_t{height} + 1, components)]);
+} catch (const std::bad_alloc&) {
+    return nullptr;
+}
+
 }  // namespace
 
 template <typename T, typename F>
@@ -26,9 +51,9 @@ F CFilterBilinearFloat<T, F>::RowSum(const T* samples, F start, F end) const
 {
     // Running sums may drift beyond the last column: nothing is read there.
     const int last = mSrcWidth - 1;
-    const int first = std::min(static_cast<int>(start), last);
+    const int first = Cut(start, last);
     const F rest = end - static_cast<F>(first + 1);
-    const int full = std::clamp(static_cast<int>(rest), 0, last - first);
+    const int full = Cut(rest, last - first);
 
     const std::ptrdiff_t step = mComponents;
     const T* sample = samples + first * step;
@@ -48,7 +73,7 @@ F CFilterBilinearFloat<T, F>::RowSum(const T* samples, F start, F end) const
 template <typename T, typename F>
 void CFilterBilinearFloat<T, F>::BilinearStageX(int component)
 {
-    F* result = mResultVectorX.get();
+    F* result = mResultVectorX;
     for (int row = 0; row < mSrcHeight; ++row) {
         const T* samples = mSource + std::ptrdiff_t{row} * mSrcLineWidth * mComponents + component;
         F start = 0;
@@ -64,9 +89,9 @@ void CFilterBilinearFloat<T, F>::AddRows(F* sums, F start, F end) const
 {
     const int last = mSrcHeight - 1;
     const auto row = [this](int index) {
-        return mResultVectorX.get() + std::ptrdiff_t{index} * mDstWidth;
+        return mResultVectorX + std::ptrdiff_t{index} * mDstWidth;
     };
-    int index = std::min(static_cast<int>(start), last);
+    int index = Cut(start, last);
     const F weight = FirstWeight(start, index);
     for (int i = 0; i < mDstWidth; ++i)
         sums[i] = row(index)[i] * weight;
@@ -87,8 +112,8 @@ void CFilterBilinearFloat<T, F>::BilinearStageY(int component)
 {
     const F area = mScaleX * mScaleY;
     // Behind the rows of the horizontal stage there is room for one more.
-    F* const sums = mResultVectorX.get() + std::ptrdiff_t{mSrcHeight} * mDstWidth;
-    T* result = mResultVectorY.get() + component;
+    F* const sums = mResultVectorX + std::ptrdiff_t{mSrcHeight} * mDstWidth;
+    T* result = mResultVectorY + component;
     F start = 0;
     F end = mScaleY;
     for (int j = 0; j < mDstHeight; ++j, start += mScaleY, end += mScaleY) {
@@ -99,19 +124,16 @@ void CFilterBilinearFloat<T, F>::BilinearStageY(int component)
 }
 
 template <typename T, typename F>
-bool CFilterBilinearFloat<T, F>::Allocate()
+void CFilterBilinearFloat<T, F>::RunStages()
 {
-    const auto length = [this](int height) {
-        return (static_cast<std::size_t>(mDstWidth) + 1) * (static_cast<std::size_t>(height) + 1) *
-               static_cast<std::size_t>(mComponents);
-    };
-    mResultVectorX.reset(new (std::nothrow) F[length(mSrcHeight)]);
-    mResultVectorY.reset(new (std::nothrow) T[length(mDstHeight)]);
-    if (!mResultVectorX)
-        std::cout << "***** insufficent memory in DownScale mResultVectorX=NULL" << std::endl;
-    if (!mResultVectorY)
-        std::cout << "***** insufficent memory in DownScale mResultVectorY=NULL" << std::endl;
-    return mResultVectorX && mResultVectorY;
+    for (int component = 0; component < mComponents; ++component) {
+        if (mProgress)
+            mProgress();
+        BilinearStageX(component);
+        if (mProgress)
+            mProgress();
+        BilinearStageY(component);
+    }
 }
 
 template <typename T, typename F>
@@ -121,6 +143,14 @@ T* CFilterBilinearFloat<T, F>::DownScale(T* source, int srcWidth, int srcHeight,
 {
     if (std::min({srcWidth, srcHeight, dstWidth, dstHeight, components}) < 1)
         return nullptr;
+    const auto sums = NewArray<F>(dstWidth, srcHeight, components);
+    auto result = NewArray<T>(dstWidth, dstHeight, components);
+    if (!sums)
+        std::cout << "***** insufficent memory in DownScale mResultVectorX=NULL" << std::endl;
+    if (!result)
+        std::cout << "***** insufficent memory in DownScale mResultVectorY=NULL" << std::endl;
+    if (!sums || !result)
+        return nullptr;
     mSrcWidth = srcWidth;
     mSrcHeight = srcHeight;
     mSrcLineWidth = srcLineWidth;
@@ -129,23 +159,14 @@ T* CFilterBilinearFloat<T, F>::DownScale(T* source, int srcWidth, int srcHeight,
     mComponents = components;
     mScaleX = static_cast<F>(srcWidth) / static_cast<F>(dstWidth);
     mScaleY = static_cast<F>(srcHeight) / static_cast<F>(dstHeight);
+    mResultVectorX = sums.get();
+    mResultVectorY = result.get();
     mSource = source;
     mProgress = progress;
-    const bool allocated = Allocate();
-    for (int component = 0; allocated && component < mComponents; ++component) {
-        if (mProgress)
-            mProgress();
-        BilinearStageX(component);
-        if (mProgress)
-            mProgress();
-        BilinearStageY(component);
-    }
-    mResultVectorX.reset();
-    T* result = mResultVectorY.release();
-    if (allocated)
-        return result;
-    delete[] result;
-    return nullptr;
+    RunStages();
+    mResultVectorX = nullptr;
+    mResultVectorY = nullptr;
+    return result.release();
 }
 
 template class CFilterBilinearFloat<unsigned char, float>;

@@ -1,9 +1,6 @@
 #ifndef TESSEL_GRAFLIB_CFILTERBILINEARFLOAT_H
 #define TESSEL_GRAFLIB_CFILTERBILINEARFLOAT_H
 
-#include <cstddef>
-#include <memory>
-
 /// A separable box filter in floating point: the horizontal stage sums each source row under every
 /// destination column, the vertical stage sums these sums under every destination row and divides
 /// by the footprint's area. Partly covered samples count by the part that is covered. Positions are
@@ -33,25 +30,25 @@ public:
     /// The vertical stage for the same component, from there into mResultVectorY.
     void BilinearStageY(int component);
 
-    // What DownScale fills in before it runs the stages.
+    // What DownScale fills in before it runs the stages. Who calls a stage alone fills it in
+    // likewise: mResultVectorX has room for mSrcHeight + 1 rows of mDstWidth sums.
     int mSrcWidth = 0;      ///< pixels
     int mSrcHeight = 0;     ///< rows
     int mSrcLineWidth = 0;  ///< pixels from one source row to the next
     int mDstWidth = 0;
     int mDstHeight = 0;
-    int mComponents = 0;  ///< samples per pixel
-    F mScaleX = 0;        ///< source pixels per destination pixel
-    F mScaleY = 0;        ///< source rows per destination row
-    std::unique_ptr<F[]>
-        mResultVectorX;  ///< one component's rows and one more; null outside a call
-    std::unique_ptr<T[]> mResultVectorY;  ///< the result; null outside a call
-    const T* mSource = nullptr;
+    int mComponents = 0;          ///< samples per pixel
+    F mScaleX = 0;                ///< source pixels per destination pixel
+    F mScaleY = 0;                ///< source rows per destination row
+    F* mResultVectorX = nullptr;  ///< one component's rows and one more; null outside a call
+    T* mResultVectorY = nullptr;  ///< the result; null outside a call
+    T* mSource = nullptr;         ///< only read
     void (*mProgress)() = nullptr;
 
 private:
     F RowSum(const T* samples, F start, F end) const;
     void AddRows(F* sums, F start, F end) const;
-    bool Allocate();
+    void RunStages();
 };
 
 extern template class CFilterBilinearFloat<unsigned char, float>;

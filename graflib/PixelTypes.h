@@ -27,8 +27,10 @@ struct CPixel24T
     T mGreen;
     T mBlue;
 
-    /// Takes the colour of a 32-bit pixel; its alpha is dropped.
-    CPixel24T& operator=(const CPixel32T<T>& src)
+    /// Takes the colour of a 32-bit pixel; its alpha is dropped. (A template, so that a list of
+    /// three values in braces can only be a pixel of 24 bits.)
+    template <typename U>
+    CPixel24T& operator=(const CPixel32T<U>& src)
     {
         mRed = src.mRed;
         mGreen = src.mGreen;

@@ -50,3 +50,24 @@ TEST(CFilterBilinearFloat, EqualsTheDefinition)
     }
     EXPECT_EQ(calls, 2 * 302);
 }
+
+TEST(CFilterBilinearFloat, StagesRunOnFieldsFilledByHand)
+{
+    unsigned char source[] = {0, 100, 200}, result[2];
+    float sums[4];
+    CFilterBilinearFloat<unsigned char, float> filter;
+    filter.mSource = source;
+    filter.mResultVectorX = sums;
+    filter.mResultVectorY = result;
+    filter.mSrcWidth = filter.mSrcLineWidth = 3;
+    filter.mSrcHeight = filter.mDstHeight = filter.mComponents = 1;
+    filter.mDstWidth = 2;
+    filter.mScaleX = 1.5F;
+    filter.mScaleY = 1;
+    filter.BilinearStageX(0);
+    filter.BilinearStageY(0);
+    EXPECT_EQ(Bytes(result, result + 2), Bytes({33, 166}));
+    filter.mScaleX = 0x1p31F;  // positions that no int holds end at the last column
+    filter.BilinearStageX(0);
+    EXPECT_EQ(Line(sums, sums + 2), Line({300 + 200, 200 - 0x1p31F * 200 + 200}));
+}

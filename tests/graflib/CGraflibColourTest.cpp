@@ -15,7 +15,8 @@ TEST(CGraflibColour, RowsColoursAndIndicesChange)
         EXPECT_EQ(OutputOf([&] { image.SwapRedBlue(); }), image.mBits < 24 ? refusal : "");
         EXPECT_EQ(image.Pixels(), swapped);
     }
-    CRgb palette[256] = {{9, 9, 9}, {1, 2, 3}};
+    CRgb palette[256] = {{9, 9, 9}};
+    palette[1] = {1, 2, 3};
     const unsigned char alpha[256] = {0, 200};
     TestImage rgb({2, 1, 8}, {1, 0}), rgba({2, 1, 8}, {1, 0});
     rgb.ConvertPalToRGB(palette);
