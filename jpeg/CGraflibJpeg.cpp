@@ -1,7 +1,7 @@
 #include "jpeg/CGraflibJpeg.h"
 
-#include <algorithm>
 #include <climits>
+#include <vector>
 
 #include "graflib/PixelTypes.h"
 #include "jpeg/CGraphicsJpeg.h"
@@ -10,11 +10,10 @@ namespace {
 
 constexpr int kBitsPerComponent = 8;
 
-/// The depths that can be encoded. A depth of 0, a record that was never read, stands for lines of
-/// red, green, blue.
-bool IsLineDepth(int bits)
+/// The depths that can be encoded.
+bool IsDepth(int bits)
 {
-    return bits == 0 || bits == 8 || bits == 24 || bits == 32;
+    return bits == 8 || bits == 24 || bits == 32;
 }
 
 bool IsSide(int side, int longest)
@@ -30,18 +29,12 @@ CRgb Flatten(const CRgba& pixel)
     return {scale(pixel.mRed), scale(pixel.mGreen), scale(pixel.mBlue)};
 }
 
-/// One row of a record as red, green, blue: the row itself, or `buffer` filled from it.
-const void* RgbRow(const CDataRect& image, const void* row, std::vector<unsigned char>& buffer)
+/// Fills `rgb` with the pixels of one row, of 8 or 32 bits.
+void ToRgb(const unsigned char* row, int bits, std::vector<CRgb>& rgb)
 {
-    if (image.mBits != 8 && image.mBits != 32)
-        return row;
-    const auto width = static_cast<std::size_t>(image.mWidth);
-    auto* rgb = reinterpret_cast<CRgb*>(buffer.data());
-    const auto* grey = static_cast<const unsigned char*>(row);
-    const auto* wide = static_cast<const CRgba*>(row);
-    for (std::size_t x = 0; x < width; ++x)
-        rgb[x] = image.mBits == 8 ? CRgb{grey[x], grey[x], grey[x]} : Flatten(wide[x]);
-    return buffer.data();
+    const auto* wide = reinterpret_cast<const CRgba*>(row);
+    for (std::size_t x = 0; x < rgb.size(); ++x)
+        rgb[x] = bits == 8 ? CRgb{row[x], row[x], row[x]} : Flatten(wide[x]);
 }
 
 }  // namespace
@@ -50,7 +43,7 @@ CGraflibJpeg::CGraflibJpeg() = default;
 
 CGraflibJpeg::~CGraflibJpeg()
 {
-    CGraflibJpeg::CloseReadLine();
+    ReleaseLineJpeg();
 }
 
 bool CGraflibJpeg::Read(const char* fileName, SFileReadInfo* info)
@@ -73,29 +66,31 @@ bool CGraflibJpeg::Read(const char* fileName, SFileReadInfo* info)
 
 bool CGraflibJpeg::Write(const char* fileName, bool /*unused*/, CFileIO* /*unused*/)
 {
+    if (!CanWrite())
+        throw CGraflibException(GLIB_ERR_WRITE, fileName);
+    std::vector<CRgb> rgb(mBits == 24 ? 0 : static_cast<std::size_t>(mWidth));
     CGraphicsJpeg jpeg;
-    MakeRgbRow();
-    if (!CanWrite() || !jpeg.OpenJpegWrite(fileName, mWidth, mHeight, mQuality))
+    if (!jpeg.OpenJpegWrite(fileName, mWidth, mHeight, mQuality))
         throw CGraflibException(GLIB_ERR_WRITE, fileName);
     const unsigned char* row = mData;
-    for (int y = 0; y < mHeight; ++y, row += RowBytes())
-        jpeg.WriteJpegLine(RgbRow(*this, row, mRgbRow));
+    for (int y = 0; y < mHeight; ++y, row += RowBytes()) {
+        ToRgb(row, mBits, rgb);
+        jpeg.WriteJpegLine(rgb.empty() ? static_cast<const void*>(row) : rgb.data());
+    }
     jpeg.CloseJpegWrite();
     return true;
 }
 
 bool CGraflibJpeg::CanWrite() const
 {
-    return mData && mBits != 0 && IsLineDepth(mBits) && IsSide(mWidth, SHRT_MAX) &&
-           IsSide(mHeight, SHRT_MAX);
+    return mData && IsDepth(mBits) && IsSide(mWidth, SHRT_MAX) && IsSide(mHeight, SHRT_MAX);
 }
 
 bool CGraflibJpeg::OpenReadLine(const char* fileName)
 {
-    CloseReadLine();
-    mLineJpeg = std::make_unique<CGraphicsJpeg>();
+    ReleaseLineJpeg();
     int components = 0;
-    const bool ok = mLineJpeg->OpenJpegRead(fileName, &mWidth, &mHeight, &components);
+    const bool ok = LineJpeg().OpenJpegRead(fileName, &mWidth, &mHeight, &components);
     mBits = components * kBitsPerComponent;
     if (!ok) {
         mWidth = mHeight = mBits = 0;
@@ -117,18 +112,15 @@ void CGraflibJpeg::CloseReadLine()
 
 bool CGraflibJpeg::OpenWriteLine(const char* fileName)
 {
-    if (!IsLineDepth(mBits) || !IsSide(mWidth, CGraphicsJpeg::kMaxSide) ||
-        !IsSide(mHeight, CGraphicsJpeg::kMaxSide))
-        throw CGraflibException(GLIB_ERR_WRITE, fileName);
-    MakeRgbRow();
-    if (!LineJpeg().OpenJpegWrite(fileName, mWidth, mHeight, mQuality))
+    if (!IsSide(mWidth, CGraphicsJpeg::kMaxSide) || !IsSide(mHeight, CGraphicsJpeg::kMaxSide) ||
+        !LineJpeg().OpenJpegWrite(fileName, mWidth, mHeight, mQuality))
         throw CGraflibException(GLIB_ERR_WRITE, fileName);
     return true;
 }
 
 int CGraflibJpeg::WriteLine(void* line)
 {
-    return LineJpeg().WriteJpegLine(RgbRow(*this, line, mRgbRow));
+    return LineJpeg().WriteJpegLine(line);
 }
 
 void CGraflibJpeg::CloseWriteLine()
@@ -155,16 +147,17 @@ bool CGraflibJpeg::GetSize(const char* fileName, int offset, int /*unused*/)
     return ok;
 }
 
-/// Before a file is opened, so that nothing is open when there is no room for the row.
-void CGraflibJpeg::MakeRgbRow()
+void CGraflibJpeg::ReleaseLineJpeg()
 {
-    if (mBits == 8 || mBits == 32)
-        mRgbRow.resize(static_cast<std::size_t>(std::max(mWidth, 0)) * sizeof(CRgb));
+    if (mLineJpeg)
+        mLineJpeg->Abandon();
+    delete mLineJpeg;
+    mLineJpeg = nullptr;
 }
 
 CGraphicsJpeg& CGraflibJpeg::LineJpeg()
 {
     if (!mLineJpeg)
-        mLineJpeg = std::make_unique<CGraphicsJpeg>();
+        mLineJpeg = new CGraphicsJpeg;
     return *mLineJpeg;
 }

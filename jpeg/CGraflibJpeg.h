@@ -1,9 +1,6 @@
 #ifndef TESSEL_JPEG_CGRAFLIBJPEG_H
 #define TESSEL_JPEG_CGRAFLIBJPEG_H
 
-#include <memory>
-#include <vector>
-
 #include "graflib/CGraflib.h"
 
 class CGraphicsJpeg;
@@ -19,9 +16,10 @@ struct SFileReadInfo
 /// The image that reads and writes JPEG files, whole or line by line.
 ///
 /// A greyscale file gives 8 bits, a colour file 24, a four-channel file 32. What is written is
-/// always a colour file: 8-bit rows are expanded to red = green = blue, and of 32-bit rows each
-/// colour is multiplied by the fourth channel, which flattens red, green, blue, alpha over black
-/// and turns inverted CMYK, the kind that exists in files, into red, green, blue.
+/// always a colour file. Write brings every depth to that: 8-bit pixels are expanded to red = green
+/// = blue, and of 32-bit pixels each colour is multiplied by the fourth channel, which flattens
+/// red, green, blue, alpha over black and turns inverted CMYK, the kind that exists in files, into
+/// red, green, blue.
 ///
 /// As with every CGraflib, the buffer belongs to the caller: release what the record holds before
 /// reading into it again, and in the end. An encoding error of libjpeg ends the process
@@ -32,7 +30,8 @@ public:
     CGraflibJpeg();
     ~CGraflibJpeg();
 
-    int mQuality = 80;  ///< of the files written, 0 to 100
+    int mQuality = 80;                   ///< of the files written, 0 to 100
+    CGraphicsJpeg* mLineJpeg = nullptr;  ///< owned: the line-wise operations', null until needed
 
     /// Reads a file into a new buffer. True; throws CGraflibException (GLIB_ERR_READ) when that
     /// fails, and std::bad_alloc when there is no room, the record then being empty. `info` may be
@@ -48,19 +47,19 @@ public:
     bool CanWrite() const;
 
     /// Opens a file for ReadLine and sets size and depth, leaving the buffer alone. True; throws
-    /// GLIB_ERR_READ when that fails. Ends a line-wise read that is still open, as the destructor
-    /// does; a line-wise write must have been closed.
+    /// GLIB_ERR_READ when that fails, with size and depth 0. Ends a line-wise read or write that is
+    /// still open, as the destructor does; a file being written is then left cut short.
     bool OpenReadLine(const char* fileName) override;
     /// Stores the next row, mWidth * mBits / 8 bytes, at `line`: true mHeight times, then false.
     bool ReadLine(void* line) override;
     void CloseReadLine() override;
 
-    /// Opens a file for mHeight calls of WriteLine. True; throws GLIB_ERR_WRITE when the file
-    /// can't be opened, and, without touching it, for a depth other than 0, 8, 24 and 32 and sides
-    /// outside 1 to 65500.
+    /// Opens a file for mHeight calls of WriteLine, of rows of mWidth pixels. True; throws
+    /// GLIB_ERR_WRITE when the file can't be opened, and, without touching it, for sides outside 1
+    /// to 65500.
     bool OpenWriteLine(const char* fileName) override;
-    /// Writes the next row: mWidth * mBits / 8 bytes, or red, green, blue where mBits is 0.
-    /// Returns the number of rows accepted, which is 1.
+    /// Writes the next row: red, green, blue for each pixel, whatever mBits says. Returns the
+    /// number of rows accepted, which is 1; 0 when no write is open.
     int WriteLine(void* line) override;
     void CloseWriteLine() override;
     /// Whether OpenWriteLine appends to files or replaces them. Holds until OpenReadLine is called.
@@ -73,10 +72,7 @@ public:
 
 private:
     CGraphicsJpeg& LineJpeg();
-    void MakeRgbRow();
-
-    std::unique_ptr<CGraphicsJpeg> mLineJpeg;  // of the line-wise operations; null until needed
-    std::vector<unsigned char> mRgbRow;        // one expanded row
+    void ReleaseLineJpeg();
 };
 
 #endif

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstdint>
+#include <memory>
 
 #include "jpeg/SJpegState.h"
 #include "util/SizeProduct.h"
@@ -43,11 +43,19 @@ void EndRead(SJpegState& state)
 constexpr int kTooManyScans = 1000;
 constexpr const char* kOwnMessages[] = {"More than %d scans"};
 
+std::uint64_t PixelsOf(const jpeg_decompress_struct& decompressor)
+{
+    return std::uint64_t{decompressor.image_width} * decompressor.image_height;
+}
+
 /// libjpeg calls this again and again while it reads the scans of a progressive file.
 void LimitScans(j_common_ptr codec)
 {
-    if (reinterpret_cast<j_decompress_ptr>(codec)->input_scan_number > CGraphicsJpeg::kMaxScans)
-        ERREXIT1(codec, kTooManyScans, CGraphicsJpeg::kMaxScans);
+    const auto& decompressor = *reinterpret_cast<j_decompress_ptr>(codec);
+    const auto most = static_cast<int>(std::clamp<std::uint64_t>(
+        CGraphicsJpeg::kMaxScannedPixels / PixelsOf(decompressor), 1, CGraphicsJpeg::kMaxScans));
+    if (decompressor.input_scan_number > most)
+        ERREXIT1(codec, kTooManyScans, most);
 }
 
 /// Whether a file from its byte `offset` on can hold the pixels that its header claims. Files that
@@ -55,7 +63,8 @@ void LimitScans(j_common_ptr codec)
 bool CanHold(std::FILE* file, int offset, std::uint64_t pixels)
 {
     struct stat status = {};
-    if (fstat(fileno(file), &status) != 0 || !S_ISREG(status.st_mode))
+    if (pixels <= CGraphicsJpeg::kMaxBelievedPixels || fstat(fileno(file), &status) != 0 ||
+        !S_ISREG(status.st_mode))
         return true;
     const auto bytes = static_cast<std::uint64_t>(std::max<off_t>(status.st_size - offset, 0));
     return pixels <= CGraphicsJpeg::kMaxPixelsPerByte * bytes;
@@ -71,6 +80,39 @@ void InitErrors(SJpegState& state)
     errors.last_addon_message = kTooManyScans;
 }
 
+/// libjpeg decodes a block on its fast path only while 512 bytes for each block of its group are
+/// in the buffer: of the 4 kB that its own stdio source delivers at a time, it rarely is.
+constexpr std::size_t kInputBytes = 1 << 16;
+
+/// Reads on as libjpeg's stdio source does: an empty file is an error, and a file that ends too
+/// early gets an end marker.
+boolean FillInput(j_decompress_ptr decompressor)
+{
+    SJpegState& state = *static_cast<SJpegState*>(decompressor->client_data);
+    std::size_t count = std::fread(state.mInputBuffer, 1, kInputBytes, state.mInput);
+    if (count == 0) {
+        if (!state.mHasInput)
+            ERREXIT(decompressor, JERR_INPUT_EMPTY);
+        WARNMS(decompressor, JWRN_JPEG_EOF);
+        state.mInputBuffer[count++] = 0xff;
+        state.mInputBuffer[count++] = JPEG_EOI;
+    }
+    state.mHasInput = true;
+    decompressor->src->next_input_byte = state.mInputBuffer;
+    decompressor->src->bytes_in_buffer = count;
+    return TRUE;
+}
+
+void SetInput(SJpegState& state)
+{
+    jpeg_decompress_struct& decompressor = state.mDecompressor;
+    jpeg_stdio_src(&decompressor, state.mInput);
+    state.mInputBuffer = static_cast<JOCTET*>(decompressor.mem->alloc_large(
+        reinterpret_cast<j_common_ptr>(&decompressor), JPOOL_PERMANENT, kInputBytes));
+    decompressor.client_data = &state;
+    decompressor.src->fill_input_buffer = FillInput;
+}
+
 /// Sets up the decompressor on state.mInput and reads the header. When that fails the read is
 /// ended.
 bool ReadHeader(SJpegState& state)
@@ -80,7 +122,7 @@ bool ReadHeader(SJpegState& state)
         jpeg_create_decompress(&state.mDecompressor);
         state.mProgress.progress_monitor = LimitScans;
         state.mDecompressor.progress = &state.mProgress;
-        jpeg_stdio_src(&state.mDecompressor, state.mInput);
+        SetInput(state);
         jpeg_read_header(&state.mDecompressor, TRUE);
     });
     if (!ok)
@@ -90,9 +132,12 @@ bool ReadHeader(SJpegState& state)
 
 }  // namespace
 
-CGraphicsJpeg::CGraphicsJpeg() : mState(std::make_unique<SJpegState>()) {}
+CGraphicsJpeg::CGraphicsJpeg() : mState(new SJpegState{}) {}
 
-CGraphicsJpeg::~CGraphicsJpeg() = default;
+CGraphicsJpeg::~CGraphicsJpeg()
+{
+    delete mState;
+}
 
 std::FILE* CGraphicsJpeg::OpenJpegFile(const char* fileName) const
 {
@@ -111,8 +156,7 @@ bool CGraphicsJpeg::InitJpegRead(int* width, int* height, int* components)
         return false;
     jpeg_decompress_struct& decompressor = state.mDecompressor;
     const bool ok = Guarded(state, [this, &state, &decompressor] {
-        if (!CanHold(state.mInput, mReadOffset,
-                     std::uint64_t{decompressor.image_width} * decompressor.image_height))
+        if (!CanHold(state.mInput, mReadOffset, PixelsOf(decompressor)))
             ERREXIT(&decompressor, JERR_INPUT_EOF);
         jpeg_start_decompress(&decompressor);
         const JDIMENSION rowBytes =
@@ -132,6 +176,7 @@ bool CGraphicsJpeg::InitJpegRead(int* width, int* height, int* components)
 
 bool CGraphicsJpeg::OpenJpegRead(const char* fileName, int* width, int* height, int* components)
 {
+    Abandon();
     *mState = SJpegState{};
     mState->mInput = OpenJpegFile(fileName);
     if (!mState->mInput) {
@@ -191,6 +236,12 @@ void CGraphicsJpeg::CloseJpeg()
     EndRead(state);
 }
 
+void CGraphicsJpeg::Abandon()
+{
+    CloseJpeg();
+    AbandonWrite();
+}
+
 void CGraphicsJpeg::CloseJpegLines()
 {
     CloseJpeg();
@@ -209,8 +260,8 @@ unsigned char* CGraphicsJpeg::ReadJpeg(const char* fileName, int* width, int* he
     } const closer{this};
 
     mState->mTargetRowBytes = *width * *components;
-    auto pixels =
-        std::make_unique_for_overwrite<unsigned char[]>(SizeProduct(*width, *components, *height));
+    std::unique_ptr<unsigned char[]> pixels(
+        new unsigned char[SizeProduct(*width, *components, *height)]);
     mState->mImageData = pixels.get();
     mState->mWriteCursor = pixels.get();
     while (LinesRemain()) {

@@ -1,8 +1,8 @@
 #ifndef TESSEL_JPEG_CGRAPHICSJPEG_H
 #define TESSEL_JPEG_CGRAPHICSJPEG_H
 
+#include <cstdint>
 #include <cstdio>
-#include <memory>
 
 struct SJpegState;
 
@@ -16,20 +16,26 @@ struct SJpegState;
 /// An object runs one read or one write at a time, and is used by one thread at a time; separate
 /// objects share nothing. Close what was opened before the object goes away: the destructor
 /// neither closes streams nor releases what libjpeg holds for them. The line functions do nothing
-/// (false, 0) while nothing is open.
+/// (false, 0) while nothing is open, or something for the other direction; opening anything ends
+/// what is still open.
 class CGraphicsJpeg
 {
 public:
     static constexpr int kMaxSide = 65500;  ///< what libjpeg encodes at most, in pixels
 
-    /// Files that go beyond these limits count as damaged once they are to be decoded. Huffman
-    /// coding spends a bit or more on a block of 64 pixels, so a file can't hold more than 512
-    /// pixels a byte: a header that claims twice that asks for memory and time that no picture will
-    /// need. (A blank picture in arithmetic coding could, and is refused, as is a large picture cut
-    /// short within its first rows. The limit doesn't apply to pipes.)
-    static constexpr int kMaxPixelsPerByte = 1024;
-    /// Every scan costs a pass over the picture; encoders make about ten.
-    static constexpr int kMaxScans = 500;
+    // Files that go beyond these limits count as damaged once they are to be decoded.
+
+    /// Up to this size a header is believed: at most 200 MB of memory, for a progressive file.
+    static constexpr std::uint64_t kMaxBelievedPixels = 1 << 25;
+    /// Above, a file must be long enough for its picture. Huffman coding spends a bit or more on a
+    /// block of 64 pixels, so it can't hold more than 512 pixels a byte: a header that claims twice
+    /// that asks for memory and time that no picture will need. (A blank picture in arithmetic
+    /// coding could. The limit doesn't apply to pipes.)
+    static constexpr std::uint64_t kMaxPixelsPerByte = 1024;
+    /// Every scan costs a pass over the picture, at worst 2 ns a pixel. Encoders make about ten,
+    /// and rarely a hundred. One scan is always read.
+    static constexpr std::uint64_t kMaxScannedPixels = 2'500'000'000;
+    static constexpr std::uint64_t kMaxScans = 500;
 
     CGraphicsJpeg();
     CGraphicsJpeg(const CGraphicsJpeg&) = delete;
@@ -38,7 +44,11 @@ public:
 
     int mComponents = 0;   ///< bytes per pixel of the JPEG last opened for reading
     bool mAppend = false;  ///< writes go behind what the file holds instead of replacing it
+    SJpegState* mState;    ///< owned: what libjpeg needs between calls
     int mReadOffset = 0;   ///< where in the file the JPEG to read begins, in bytes
+
+    /// Ends whatever is open, without a word. A file being written is left cut short.
+    void Abandon();
 
     // --- Reading ---------------------------------------------------------------------------------
 
@@ -52,7 +62,7 @@ public:
     unsigned char* ReadJpeg(const char* fileName, short* width, short* height, int);
     /// The size of a picture, from its header alone. `components`, the number in the file, may be
     /// null. False, with width and height 0, when the file can't be opened, its header is damaged
-    /// or a side is above 32767.
+    /// or a side is above 32767. Leaves alone what is open.
     bool GetJpegSize(const char* fileName, short* width, short* height, int* components);
 
     /// Opens a picture for ReadJpegLine; false as ReadJpeg's null.
@@ -94,8 +104,7 @@ private:
     bool ReadJpegLine();
     void put_scanline();
     void CloseJpeg();
-
-    std::unique_ptr<SJpegState> mState;
+    void AbandonWrite();
 };
 
 #endif

@@ -38,6 +38,7 @@ const unsigned char* RgbRow(const unsigned char* pixels, int width, std::size_t 
 
 bool CGraphicsJpeg::OpenJpegWrite(const char* fileName, int width, int height, int quality)
 {
+    Abandon();
     SJpegState& state = *mState;
     state.mWidth = width;
     state.mHeight = height;
@@ -63,6 +64,15 @@ void CGraphicsJpeg::CloseJpegWrite()
     if (!state.mOutput)
         return;
     jpeg_finish_compress(&state.mCompressor);
+    AbandonWrite();
+}
+
+/// Releases all that an open write holds, whether it is finished or not.
+void CGraphicsJpeg::AbandonWrite()
+{
+    SJpegState& state = *mState;
+    if (!state.mOutput)
+        return;
     std::fclose(state.mOutput);
     state.mOutput = nullptr;
     jpeg_destroy_compress(&state.mCompressor);

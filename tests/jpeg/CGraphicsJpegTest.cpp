@@ -28,25 +28,72 @@ TEST_F(CGraphicsJpegTest, EveryTruncationAndByteChangeEndsCleanly)
     EXPECT_TRUE(isRead(whole) && width == 16 && height == 16 && jpeg.mComponents == 3);
 }
 
-TEST_F(CGraphicsJpegTest, ClaimsBeyondAnyPictureCountAsDamaged)
+TEST_F(CGraphicsJpegTest, ClaimsBeyondTheLimitsCountAsDamaged)
 {
     const std::string whole = EncodeJpeg(64, 64, 1, Noise(64 * 64), 80, true);
     const std::size_t size = whole.find("\xff\xc2") + 5, scan = whole.find("\xff\xda");
     const std::string one = whole.substr(scan, whole.find("\xff\xc4", scan) - scan);
-    std::string huge = whole, crowded = whole;
-    huge.replace(size, 4, "\xff\xdc\xff\xdc");
-    for (int i = 0; i < CGraphicsJpeg::kMaxScans; ++i)
-        crowded.insert(scan, one);
-    const std::pair<std::string, std::string> rows[] = {{huge, "Premature end of input file\n"},
-                                                        {crowded, "More than 500 scans\n"}};
-    for (const auto& [content, message] : rows) {
-        WriteAll(mFile, content);
-        const std::string output = OutputOf([&] {
+    int scans = 0;
+    for (std::size_t at = scan; at != std::string::npos; at = whole.find("\xff\xda", at + 1))
+        ++scans;
+    const std::string ends = "Premature end of input file\n";
+    const std::tuple<int, int, std::size_t, int, std::string> rows[] = {
+        // side, scans, bytes of the file behind the offset, the last message
+        {5792, scans, 0, 1, ""},
+        {5793, scans, 0, 0, ends},
+        {5793, scans, 32773, 1, ""},
+        {5793, scans, 32772, 0, ends},
+        {65500, scans, 0, 0, ends},
+        {64, 500, 0, 1, ""},
+        {64, 501, 0, 0, "More than 500 scans\n"},
+        {5792, 74, 0, 1, ""},
+        {5792, 75, 0, 0, "More than 74 scans\n"}};
+    for (const auto& [side, count, bytes, read, message] : rows) {
+        std::string file = whole;
+        for (int i = 0; i < 2; ++i) {
+            file[size + 2 * static_cast<std::size_t>(i)] = static_cast<char>(side >> 8);
+            file[size + 2 * static_cast<std::size_t>(i) + 1] = static_cast<char>(side & 255);
+        }
+        for (int i = scans; i < count; ++i)
+            file.insert(scan, one);
+        if (bytes > 0)
+            file.resize(bytes);
+        WriteAll(mFile, "front" + file);
+        CGraphicsJpeg jpeg;
+        jpeg.mReadOffset = 5;
+        const std::string output = OutputOf([&, &wanted = read] {
             int shape[3];
-            EXPECT_FALSE(CGraphicsJpeg().ReadJpeg(mPath, &shape[0], &shape[1], &shape[2]));
+            const std::unique_ptr<unsigned char[]> pixels(
+                jpeg.ReadJpeg(mPath, &shape[0], &shape[1], &shape[2]));
+            EXPECT_EQ(pixels != nullptr, wanted);
         });
-        EXPECT_TRUE(output.ends_with(message)) << output;
+        EXPECT_TRUE(output.ends_with(message)) << side << ' ' << count << ' ' << output;
     }
+}
+
+TEST_F(CGraphicsJpegTest, WhatIsOpenEndsWhereSomethingElseIsOpened)
+{
+    const Bytes pixels = Noise(20 * 10 * 3);
+    const std::string once = EncodeJpeg(20, 10, 3, pixels, 75), other = mFolder / "other";
+    WriteAll(mFile, once);
+    CGraphicsJpeg jpeg;
+    int width, height, components;
+    unsigned char line[60];
+    short shortWidth, shortHeight;
+    for (int i = 0; i < 2; ++i) {  // once more, and nothing is left of what was open
+        EXPECT_TRUE(jpeg.OpenJpegRead(mPath, &width, &height, &components));
+        EXPECT_TRUE(jpeg.GetJpegSize(mPath, &shortWidth, &shortHeight, nullptr));
+        EXPECT_TRUE(shortWidth == 20 && shortHeight == 10 && jpeg.ReadJpegLine(line));
+        EXPECT_EQ(jpeg.WriteJpegLine(line), 0);
+        EXPECT_TRUE(jpeg.OpenJpegWrite(other.c_str(), 20, 10, 75));
+        EXPECT_FALSE(jpeg.ReadJpegLine(line));
+        jpeg.CloseJpegLines();
+        EXPECT_EQ(jpeg.WriteJpegLine(pixels.data()), 1);
+        EXPECT_TRUE(jpeg.OpenJpegRead(mPath, &width, &height, &components));
+    }
+    jpeg.Abandon();
+    jpeg.CloseJpegWrite();
+    EXPECT_FALSE(jpeg.OpenJpegWrite("/no/x", 20, 10, 75) || jpeg.WriteJpegLine(line));
 }
 
 TEST_F(CGraphicsJpegTest, WritesFilesAndStreamsOrEndsTheProcess)
