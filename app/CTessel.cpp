@@ -18,9 +18,9 @@ void CTessel::CreateThumbs(const char* folder)
     const std::string thumbPrefix = thumbFolder + "/";
     const std::string dbase = thumbPrefix + kDbaseFile;
     CIndexPage page(prefix + kPageFile);
-    RemoveLink(thumbFolder.c_str());
-    files.CreateDir(thumbFolder.c_str());
-    ReadDbase(dbase.c_str());
+    const bool store = MakeThumbFolder(thumbFolder, dbase);
+    if (store)
+        ReadDbase(dbase.c_str());
     const std::vector<const SFileInfo*> records = FindRecords(names);
 
     const std::string path(folder);
@@ -31,9 +31,10 @@ void CTessel::CreateThumbs(const char* folder)
         if (TestFile(folder, name.c_str(), records[i])) {
             const std::string source = prefix + name;
             const std::string target = thumbPrefix + name;
-            MakeThumb(source.c_str(), target.c_str(), mThumbSize);
+            MakeThumb(source.c_str(), target.c_str(), mThumbSize, store);
         }
     }
     page.WriteTail();
-    WriteDbase(dbase.c_str());
+    if (store)
+        WriteDbase(dbase.c_str());
 }

@@ -20,8 +20,8 @@ struct SFileInfo
 /// The gallery builder: one per run, used by one thread. No file stays open between calls, and no
 /// failure is reported to the caller: a picture that can't be read or a file that can't be written
 /// is left out, and the rest is done. Only an error of the JPEG encoder, such as a full disk, ends
-/// the process. Files are replaced, never written into, and links in their place are removed, not
-/// followed: that goes for the thumbnail folder, too.
+/// the process. Nothing is written through a link: in the place of a file it is removed, and in the
+/// place of the thumbnail folder it counts only if it leads to one.
 class CTessel
 {
 public:
@@ -39,16 +39,19 @@ public:
     /// The modification time of a file; false when it can't be opened.
     bool GetUnixFileTime(const char* path, long* time);
     /// True when a picture is new, or later than its record; it is then recorded with its time.
-    /// True without a record when the picture can't be opened: a later run tries again. `record` is
-    /// the name's record for callers that have found it; otherwise it is searched for.
-    bool TestFile(const char* folder, const char* name, const SFileInfo* record = nullptr);
+    /// True without a record when the picture can't be opened: a later run tries again.
+    bool TestFile(const char* folder, const char* name);
     /// Adds the database file's records to those in memory, which win over records of the same
     /// name. A file that can't be read adds nothing.
     void ReadDbase(const char* path);
-    /// Writes all records as a new database file. A name that the format can't hold is left out.
+    /// Writes all records as a new database file, which takes the place of an old one when it is
+    /// complete. One that can't be read or written stays as it is. A name that the format can't
+    /// hold is left out.
     void WriteDbase(const char* path);
 
 private:
+    void MakeThumb(const char* source, const char* target, int size, bool store);
+    bool TestFile(const char* folder, const char* name, const SFileInfo* record);
     std::vector<const SFileInfo*> FindRecords(const std::vector<std::string>& names) const;
 };
 

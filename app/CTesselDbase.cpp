@@ -7,8 +7,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <utility>
@@ -22,12 +22,12 @@
 namespace {
 
 constexpr char kSeparator = '\t';
+constexpr int kMostTries = 5;  // while other runs remove the drafts
 
 /// False for a name that would be read back as another.
 bool IsStorable(const std::string& name)
 {
-    return std::ranges::none_of(name,
-                                [](char c) { return c == kSeparator || c == '\n' || c == '\r'; });
+    return name.find_first_of("\t\n\r") == std::string::npos;
 }
 
 /// How many characters all names begin with.
@@ -73,7 +73,10 @@ bool WriteRecords(std::ofstream& file, const std::set<SFileInfo>& records)
 bool CTessel::GetUnixFileTime(const char* path, long* time)
 {
     // Without waiting: a FIFO would otherwise hold the run until somebody writes to it.
-    const int file = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    int file = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    // A file that a server holds a lease on can't be opened so: the server is asked to give it up.
+    if (file < 0 && errno == EWOULDBLOCK && IsReadable(path))
+        file = open(path, O_RDONLY | O_CLOEXEC);
     if (file < 0)
         return false;
     struct stat status = {};
@@ -83,6 +86,13 @@ bool CTessel::GetUnixFileTime(const char* path, long* time)
     return true;
 }
 
+bool CTessel::TestFile(const char* folder, const char* name)
+{
+    const auto found = mFileInfoSet.find({name});
+    return TestFile(folder, name, found == mFileInfoSet.end() ? nullptr : &*found);
+}
+
+/// The same with the name's record, null where there is none.
 bool CTessel::TestFile(const char* folder, const char* name, const SFileInfo* record)
 {
     __builtin_prefetch(record ? &record->mTime : nullptr);  // to be there when the kernel answers
@@ -93,10 +103,8 @@ bool CTessel::TestFile(const char* folder, const char* name, const SFileInfo* re
     if (!GetUnixFileTime(path.c_str(), &time))
         return true;
     if (!record) {
-        const auto [found, added] = mFileInfoSet.insert({name, time});
-        if (added)
-            return true;
-        record = &*found;
+        mFileInfoSet.insert({name, time});
+        return true;
     }
     if (record->mTime >= time)
         return false;
@@ -148,17 +156,16 @@ void CTessel::ReadDbase(const char* path)
 
 void CTessel::WriteDbase(const char* path)
 {
-    if (!CanReplace(path))
-        return;
-    const std::string draft = std::string(path) + ".new";
-    std::ofstream file;
-    if (MakeWay(draft.c_str()))
-        file.open(draft);
-    if (file.is_open()) {
-        if (!WriteRecords(file, mFileInfoSet) || std::rename(draft.c_str(), path) != 0)
-            unlink(draft.c_str());
-    } else if (MakeWay(path)) {  // such as in a folder that can't be changed
-        file.open(path);
-        WriteRecords(file, mFileInfoSet);
+    for (int i = 0; i < kMostTries && CDraft::MayReplace(path); ++i) {
+        CDraft draft(path);
+        if (!draft.mStream.is_open()) {
+            if (std::ofstream file; MakeWay(path)) {
+                file.open(path);
+                WriteRecords(file, mFileInfoSet);
+            }
+            return;
+        }
+        if (!WriteRecords(draft.mStream, mFileInfoSet) || draft.PutInPlace())
+            return;
     }
 }

@@ -41,6 +41,12 @@ void ReadThumb(CGraflibJpeg& image, const char* source, int size)
 
 void CTessel::MakeThumb(const char* source, const char* target, int size)
 {
+    MakeThumb(source, target, size, true);
+}
+
+/// Without `store`, what is made isn't kept, as if its file couldn't be created.
+void CTessel::MakeThumb(const char* source, const char* target, int size, bool store)
+{
     CGraflibJpeg image;
     const CPixelOwner owner(&image);
     try {
@@ -49,7 +55,7 @@ void CTessel::MakeThumb(const char* source, const char* target, int size)
             return;
         ReadThumb(image, source, size < 1 ? kDefaultThumbSize : size);
         std::cout << "Writing " << target << std::endl;
-        if (image.CanWrite() && MakeWay(target))
+        if (store && image.CanWrite() && MakeWay(target))
             image.Write(target, true, nullptr);
     } catch (const CGraflibException&) {
         // A picture that can't be read, or a thumbnail that can't be written, is left out.

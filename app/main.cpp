@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <climits>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
@@ -58,6 +59,8 @@ int main(int argc, char** argv)
 {
     OpenStandardDescriptors();
     BufferWholeLines();
+    // Whoever reads what is printed may leave; the gallery is made all the same.
+    std::signal(SIGPIPE, SIG_IGN);
     if (argc < 2) {
         ShowUsage();
         return 0;

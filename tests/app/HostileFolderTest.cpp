@@ -1,11 +1,13 @@
 // Folders that people have filled: every run ends normally, every good picture gets its thumbnail,
 // and nothing but page, thumbnails and database changes.
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <map>
 
 #include "tests/TestSupport.h"
@@ -82,12 +84,80 @@ TEST_F(HostileFolder, NothingButTheGallerysFilesIsWritten)
     EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(mGallery / "index.html")));
     EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(mThumbs / "tesselbase.txt")));
 
-    fs::remove_all(mThumbs);
-    fs::create_directory(mFolder / "elsewhere");
-    fs::create_symlink("../elsewhere", mThumbs);
-    Try();
-    EXPECT_TRUE(HasThumb("hard.jpg") && fs::is_empty(mFolder / "elsewhere"));
     EXPECT_EQ(ReadAll(mOutside), "outside");
+}
+
+TEST_F(HostileFolder, OnlyALinkToAThumbnailFolderIsFollowed)
+{
+    const fs::path elsewhere = mFolder / "elsewhere";
+    // What it leads to: a folder with a file of this name, one without any, nothing.
+    const std::tuple<const char*, bool, bool> rows[] = {{"original.jpg", true, false},
+                                                        {"tesselbase.txt", true, true},
+                                                        {"", true, true},
+                                                        {"", false, false}};
+    WriteAll(mGallery / "original.jpg", mJpeg);
+    for (const auto& [file, exists, followed] : rows) {
+        fs::remove_all(mThumbs);
+        fs::remove_all(elsewhere);
+        if (exists)
+            fs::create_directory(elsewhere);
+        if (*file)
+            WriteAll(elsewhere / file, "original");
+        fs::create_symlink(elsewhere, mThumbs);
+        const std::string first = Try(), second = Try();
+        EXPECT_TRUE(fs::is_symlink(mThumbs) && fs::exists(elsewhere) == exists) << file;
+        EXPECT_EQ(second, followed ? "" : first);
+        EXPECT_TRUE(first.starts_with("Reading ./original.jpg\n"));
+        EXPECT_TRUE(first.ends_with("Writing ./tessel/original.jpg\n"));
+        EXPECT_TRUE(!followed || HasThumb("original.jpg")) << file;
+        EXPECT_EQ(ReadAll(elsewhere / "tesselbase.txt").find("original.jpg\t") == 0, followed);
+        EXPECT_TRUE(ReadAll(mGallery / "index.html").ends_with("</html>\n\n"));
+        EXPECT_TRUE(followed || ReadAll(elsewhere / "original.jpg") == (*file ? "original" : ""));
+    }
+}
+
+TEST_F(HostileFolder, OrdinaryFilesKeepModeAndOwner)
+{
+    const fs::path files[] = {mGallery / "index.html", mThumbs / "x.jpg",
+                              mThumbs / "tesselbase.txt"};
+    WriteAll(mGallery / "x.jpg", mJpeg);
+    for (const fs::path& file : files) {
+        WriteAll(file, "");
+        chmod(file.c_str(), 0604);
+        EXPECT_TRUE(geteuid() != 0 || chown(file.c_str(), 65534, 65533) == 0);
+    }
+    Try();
+    for (const fs::path& file : files) {
+        struct stat status = {};
+        EXPECT_EQ(stat(file.c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 07777, 0604U) << file;
+        EXPECT_TRUE(status.st_size > 0 && status.st_uid == (geteuid() == 0 ? 65534 : geteuid()));
+    }
+}
+
+TEST_F(HostileFolder, APictureThatIsLeasedIsWaitedFor)
+{
+    static int leased = -1;
+    WriteAll(mGallery / "x.jpg", mJpeg);
+    leased = open((mGallery / "x.jpg").c_str(), O_RDWR | O_CLOEXEC);
+    if (fcntl(leased, F_SETLEASE, F_WRLCK) != 0)
+        GTEST_SKIP() << "no leases in this file system";
+    std::signal(SIGIO, [](int) { fcntl(leased, F_SETLEASE, F_UNLCK); });
+    EXPECT_EQ(Try().find("failed"), std::string::npos);
+    EXPECT_NE(ReadAll(mThumbs / "tesselbase.txt"), "");
+    std::signal(SIGIO, SIG_DFL);
+    close(leased);
+}
+
+TEST_F(HostileFolder, ReadersThatGoAwayEndNothing)
+{
+    for (const char* name : {"a.jpg", "b.jpg", "c.jpg"})
+        WriteAll(mGallery / name, mJpeg);
+    WriteAll(mGallery / "cut.jpg", mJpeg.substr(0, 999));
+    EXPECT_EQ(Try("(sleep 0.2; " TESSEL_PROGRAM " . 2>&1; echo $? >status) | true"), "");
+    EXPECT_EQ(ReadAll(mGallery / "status"), "0\n");
+    EXPECT_EQ(Try(), "");
+    EXPECT_TRUE(HasThumb("a.jpg") && HasThumb("b.jpg") && HasThumb("c.jpg") && HasThumb("cut.jpg"));
 }
 
 TEST_F(HostileFolder, KilledAndDoubledRunsEndLikeOne)
@@ -117,6 +187,8 @@ TEST_F(HostileFolder, RunsWithinSmallLimits)
     EXPECT_EQ(Try("ulimit -n 32; exec " TESSEL_PROGRAM " .").find("failed"), std::string::npos);
     EXPECT_TRUE(HasThumb("0.jpg") && HasThumb("49.jpg"));
     const auto expected = Files();
+    Try("ulimit -n 4; exec " TESSEL_PROGRAM " .");  // which the page takes up
+    EXPECT_TRUE(Files() == expected);
     fs::remove_all(mThumbs);
     EXPECT_EQ(Try("exec " TESSEL_PROGRAM " . <&- >&- 2>&-"), "");
     EXPECT_TRUE(Files() == expected);
@@ -187,11 +259,27 @@ TEST_F(HostileFolder, AFolderThatCannotBeChangedIsLeftAsItIs)
     const auto before = Files();
     fs::permissions(mThumbs, fs::perms(0555));
     fs::permissions(mGallery, fs::perms(0555));
-    const std::string output = Try((geteuid() == 0 ? tessel : program) + " .");
+    const std::string command = (geteuid() == 0 ? tessel : program) + " .";
+    const std::string output = Try(command);
     EXPECT_TRUE(output.starts_with("Reading ./x.jpg\n") && Files() == before) << output;
     EXPECT_EQ(output.find("failed"), std::string::npos);
-    fs::permissions(mGallery, fs::perms(0755));
-    fs::permissions(mThumbs, fs::perms(0755));
+    fs::permissions(mGallery, fs::perms(0777));
+    fs::permissions(mThumbs, fs::perms(0777));
+
+    // Nor is a file of somebody else's that can't be written, or whose records can't be read.
+    const fs::path page = mGallery / "index.html", dbase = mThumbs / "tesselbase.txt";
+    for (const int mode : {0444, 0222}) {
+        for (const fs::path& file : {page, dbase}) {
+            WriteAll(file, "old\t1\n");
+            fs::permissions(file, fs::perms(mode));
+        }
+        Try(command);
+        EXPECT_EQ(ReadAll(dbase), "old\t1\n") << mode;
+        EXPECT_EQ(ReadAll(page) == "old\t1\n", mode == 0444);
+        EXPECT_TRUE(HasThumb("x.jpg"));
+        fs::remove(page);
+        fs::remove(dbase);
+    }
 }
 
 TEST_F(HostileFolder, AFullDiskEndsTheRunAndTheNextGoesOn)

@@ -187,9 +187,13 @@ TEST_F(Tessel, ReadsAndHealsDatabases)
              "tab\n\t7\nx\t\nz\t-5\nA\t99999999999999999999\nunended\t1");
     CTessel tessel;
     tessel.ReadDbase(mPath);
+    AddPicture("new.jpg", mJpeg, 5);
+    for (const bool isNew : {true, false})
+        EXPECT_EQ(tessel.TestFile(mFolder.c_str(), "new.jpg"), isNew);
+    EXPECT_TRUE(tessel.TestFile(mFolder.c_str(), "missing.jpg"));
     tessel.mFileInfoSet.insert({{"tab\t", 3}, {"feed\n", 3}, {"return\r", 3}});
     tessel.WriteDbase(mPath);
-    EXPECT_EQ(ReadAll(mFile), "\t7\nA\t0\na\t1\nb\t2\nd\t0\nx\t0\nz\t-5\n");
+    EXPECT_EQ(ReadAll(mFile), "\t7\nA\t0\na\t1\nb\t2\nd\t0\nnew.jpg\t5\nx\t0\nz\t-5\n");
 }
 
 TEST_F(Tessel, GoesOnPastWhatFails)
@@ -211,6 +215,7 @@ TEST_F(Tessel, GoesOnPastWhatFails)
         EXPECT_EQ(output.find("failed"), std::string::npos);
         for (const char* name : {"lost", "folder", "text", "cut", "x"})
             EXPECT_NE(output.find(name + std::string(".jpg\n")), std::string::npos) << name;
+        EXPECT_NE(output.find("Empty input file\n"), std::string::npos);  // the folder
         for (const std::string& name : all)
             EXPECT_EQ(fs::is_regular_file(mFolder / name), name.find(obstacle) != 0) << name;
         EXPECT_EQ(ReadAll(mDbase).find("lost.jpg"), std::string::npos);

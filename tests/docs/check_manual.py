@@ -17,7 +17,7 @@ PAGE = PROJECT / "docs/tessel.1"
 FACTS = {
     "app/main.cpp": [r'kSizeOption = "(.*)"'],
     "app/GalleryLayout.h": [r'"\*?(.+)"', r"kDefaultThumbSize = (\d+)"],
-    "app/CTesselDbase.cpp": [r'std::string\(path\) \+ "(.+)"'],
+    "app/OutputFile.cpp": [r'mFolder\(path \+ "(.+)"\)'],
     "jpeg/CGraflibJpeg.h": [r"mQuality = (\d+)"],
     "jpeg/CGraphicsJpeg.h": [r"kMaxPixelsPerByte = (\d+)", r"kMaxScans = (\d+)"],
 }
