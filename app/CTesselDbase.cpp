@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <fstream>
@@ -28,6 +29,12 @@ constexpr int kMostTries = 5;  // while other runs remove the drafts
 bool IsStorable(const std::string& name)
 {
     return name.find_first_of("\t\n\r") == std::string::npos;
+}
+
+/// A time as a record holds it: where a long has 32 bits, those beyond count as its limit.
+long RecordTime(std::int64_t time)
+{
+    return static_cast<long>(std::clamp<std::int64_t>(time, LONG_MIN, LONG_MAX));
 }
 
 /// How many characters all names begin with.
@@ -80,10 +87,11 @@ bool CTessel::GetUnixFileTime(const char* path, long* time)
     if (file < 0)
         return false;
     struct stat status = {};
-    fstat(file, &status);
+    const bool known = fstat(file, &status) == 0;
     close(file);
-    *time = status.st_mtime;
-    return true;
+    if (known)
+        *time = RecordTime(status.st_mtime);
+    return known;
 }
 
 bool CTessel::TestFile(const char* folder, const char* name)
@@ -149,7 +157,8 @@ void CTessel::ReadDbase(const char* path)
         const std::string field = line.substr(time, line.find(kSeparator, time) - time);
         line.resize(separator);
         // At the end, where the records of a file that this program wrote belong.
-        mFileInfoSet.insert(mFileInfoSet.end(), {line, CStringTool::StringTo<long>(field)});
+        const long recorded = RecordTime(CStringTool::StringTo<std::int64_t>(field));
+        mFileInfoSet.insert(mFileInfoSet.end(), {line, recorded});
     }
     file.CloseFile();
 }

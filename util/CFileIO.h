@@ -103,8 +103,8 @@ public:
     /// Lists a folder's entries whose names end in `pattern`, letter case aside. A '*' in front of
     /// the pattern is dropped; no other character is special. `list` is emptied, then holds the
     /// bare names in the order in which the system delivers them. Only names are looked at: folders
-    /// are listed too. False when the folder can't be opened. `folder` and `pattern` may stand in
-    /// the list.
+    /// are listed too. False, with `list` empty, when the folder can't be opened or read to its
+    /// end. `folder` and `pattern` may stand in the list.
     static bool ResolveWildCard(const char* folder, const char* pattern,
                                 std::vector<std::string>* list);
     /// The same as an array of strings with a null pointer behind the last, to be released with

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
@@ -49,9 +50,18 @@ bool CFileIO::ResolveWildCard(const char* folder, const char* pattern,
     list->clear();  // only now, as both names may stand in it
     if (!handle)
         return false;
-    while (const dirent* entry = readdir(handle.get())) {
+    const auto next = [&handle] {
+        errno = 0;  // the end leaves it as it is, an error doesn't
+        return readdir(handle.get());
+    };
+    const dirent* entry = next();
+    for (; entry; entry = next()) {
         if (EndsIn(entry->d_name, suffix.c_str()))
             list->emplace_back(entry->d_name);
+    }
+    if (errno != 0) {
+        list->clear();
+        return false;
     }
     return true;
 }

@@ -3,6 +3,7 @@
 
 #include <charconv>
 #include <concepts>
+#include <cstdint>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -37,7 +38,7 @@ template <typename T>
 T CStringTool::StringTo(const std::string& text)
 {
     // What a stream would read, without the cost of making one.
-    if constexpr (std::same_as<T, int> || std::same_as<T, long>) {
+    if constexpr (std::same_as<T, int> || std::same_as<T, long> || std::same_as<T, std::int64_t>) {
         T value = 0;
         std::from_chars(SkipToNumber(text), text.data() + text.size(), value);
         return value;

@@ -1,13 +1,23 @@
 // The program as a whole: what it prints, and every byte that it leaves in the folder.
 #include "app/CTessel.h"
 
+#include <fcntl.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <chrono>
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <ctime>
+#include <map>
 
 #include "tests/TestSupport.h"
 #include "util/CFileIO.h"
+
+constexpr std::int64_t kDistant = std::int64_t{1} << 33;  // a time of the year 2242
+/// How it is recorded, also where a long can't hold it.
+static const std::string kRecorded = std::to_string(std::min<std::int64_t>(kDistant, LONG_MAX));
 
 struct Tessel : FolderTest
 {
@@ -15,11 +25,11 @@ struct Tessel : FolderTest
     const std::string mPage = mFolder / "index.html", mDbase = mFolder / "tessel/tesselbase.txt";
     const std::string mJpeg = SampleJpeg(30, 20);
 
-    void AddPicture(const std::string& name, const std::string& jpeg, long time) const
+    void AddPicture(const std::string& name, const std::string& jpeg, std::time_t time) const
     {
-        const std::chrono::sys_seconds seconds{std::chrono::seconds(time)};
+        const timespec times[] = {{time, 0}, {time, 0}};
         WriteAll(mFolder / name, jpeg);
-        fs::last_write_time(mFolder / name, std::chrono::file_clock::from_sys(seconds));
+        EXPECT_EQ(utimensat(AT_FDCWD, (mFolder / name).c_str(), times, 0), 0);
     }
     /// The pictures in the order in which they are listed.
     Names Listing() const
@@ -152,14 +162,15 @@ TEST_F(Tessel, RemakesWhatIsNewOrLater)
     };
     AddPicture("a.jpg", mJpeg, 1000000);
     EXPECT_EQ(made(), "a.jpg\n");
-    for (const long time : {-100000L, 1000000L, 1000001L, 1L << 33}) {  // 1969 to 2242
+    constexpr std::int64_t kTimes[] = {-100000, 1000000, 1000001, kDistant};
+    for (const std::int64_t time : kTimes) {
         AddPicture("b.jpg", mJpeg, time);
         EXPECT_EQ(made() + made(), "b.jpg\n");
     }
     AddPicture("a.jpg", mJpeg, 5);  // set back: keeps its thumbnail and its record
     fs::remove(mFolder / "b.jpg");  // gone: keeps its record
     EXPECT_EQ(made(), "");
-    EXPECT_EQ(ReadAll(mDbase), "a.jpg\t1000000\nb.jpg\t8589934592\n");
+    EXPECT_EQ(ReadAll(mDbase), "a.jpg\t1000000\nb.jpg\t" + kRecorded + "\n");
     fs::remove(mDbase);
     EXPECT_EQ(made(), "a.jpg\n");
 
@@ -184,7 +195,7 @@ TEST_F(Tessel, ReadsAndHealsDatabases)
 {
     WriteAll(mFile,
              "b\t2\r\nd\t\t4\na\t1\tmore\na\t3\n\nno "
-             "tab\n\t7\nx\t\nz\t-5\nA\t99999999999999999999\nunended\t1");
+             "tab\n\t7\nx\t\nz\t-5\nA\t99999999999999999999\nB\t8589934592\nunended\t1");
     CTessel tessel;
     tessel.ReadDbase(mPath);
     AddPicture("new.jpg", mJpeg, 5);
@@ -193,7 +204,8 @@ TEST_F(Tessel, ReadsAndHealsDatabases)
     EXPECT_TRUE(tessel.TestFile(mFolder.c_str(), "missing.jpg"));
     tessel.mFileInfoSet.insert({{"tab\t", 3}, {"feed\n", 3}, {"return\r", 3}});
     tessel.WriteDbase(mPath);
-    EXPECT_EQ(ReadAll(mFile), "\t7\nA\t0\na\t1\nb\t2\nd\t0\nnew.jpg\t5\nx\t0\nz\t-5\n");
+    EXPECT_EQ(ReadAll(mFile), "\t7\nA\t0\nB\t" + kRecorded +
+                                  "\na\t1\nb\t2\nd\t0\nnew.jpg\t5\nx\t0\nz\t-5\n");
 }
 
 TEST_F(Tessel, GoesOnPastWhatFails)
