@@ -5,6 +5,7 @@
 
 #include "app/CTessel.h"
 #include "app/OutputFile.h"
+#include "graflib/SinglePrecision.h"
 #include "jpeg/CGraflibJpeg.h"
 
 namespace {
@@ -13,8 +14,7 @@ namespace {
 /// precision and cut, which may give one pixel less than exact arithmetic.
 int ShorterSide(int size, int shorter, int longer)
 {
-    const float ratio = static_cast<float>(shorter) / static_cast<float>(longer);
-    const float side = static_cast<float>(size) * ratio;
+    const float side = Rounded(Rounded(static_cast<float>(size)) * Quotient(shorter, longer));
     // The largest sizes become a float that no int can hold.
     return side < 0x1p31F ? std::max(1, static_cast<int>(side)) : size;
 }

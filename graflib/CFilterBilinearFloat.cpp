@@ -1,6 +1,5 @@
-// Compiled without contraction of products and sums into one operation: a fused product isn't
-// rounded, and the results are defined by single precision, down to a 254 where all samples are
-// 255.
+// The results are defined by single precision, down to a 254 where all samples are 255: each
+// operation is rounded by itself. (CMakeLists.txt forbids compilers to fuse two.)
 #include "graflib/CFilterBilinearFloat.h"
 
 #include <algorithm>
@@ -10,6 +9,7 @@
 #include <memory>
 #include <new>
 
+#include "graflib/SinglePrecision.h"
 #include "util/SizeProduct.h"
 
 namespace {
@@ -17,11 +17,25 @@ namespace {
 /// Runs of whole samples are summed as integers, this many at a time.
 constexpr int kGroup = 4;
 
+/// How far the position lies behind the start of a sample.
+template <typename F>
+F Distance(F position, int sample)
+{
+    return Rounded(position - Rounded(static_cast<F>(sample)));
+}
+
 /// The weight of the first of the samples under a footprint that starts at `start`.
 template <typename F>
 F FirstWeight(F start, int first)
 {
-    return static_cast<F>(1.0 - static_cast<double>(start - static_cast<F>(first)));
+    return Rounded(static_cast<F>(1.0 - static_cast<double>(Distance(start, first))));
+}
+
+/// sum + value * weight, with both operations rounded.
+template <typename F>
+F AddWeighted(F sum, F value, F weight)
+{
+    return Rounded(sum + Rounded(value * weight));
 }
 
 /// A position cut to a whole number, from 0 to `most`. Compared first: the longest sides become a
@@ -52,22 +66,22 @@ F CFilterBilinearFloat<T, F>::RowSum(const T* samples, F start, F end) const
     // Running sums may drift beyond the last column: nothing is read there.
     const int last = mSrcWidth - 1;
     const int first = Cut(start, last);
-    const F rest = end - static_cast<F>(first + 1);
+    const F rest = Distance(end, first + 1);
     const int full = Cut(rest, last - first);
 
     const std::ptrdiff_t step = mComponents;
     const T* sample = samples + first * step;
-    F sum = static_cast<F>(*sample) * FirstWeight(start, first);
+    F sum = Rounded(static_cast<F>(*sample) * FirstWeight(start, first));
     int left = full;
     for (; left >= kGroup; left -= kGroup, sample += kGroup * step)
-        sum +=
-            static_cast<F>(sample[step] + sample[2 * step] + sample[3 * step] + sample[4 * step]);
+        sum = Rounded(sum + static_cast<F>(sample[step] + sample[2 * step] + sample[3 * step] +
+                                           sample[4 * step]));
     for (; left > 0; --left, sample += step)
-        sum += static_cast<F>(sample[step]);
-    const F part = std::min(rest - static_cast<F>(full), F{1});
+        sum = Rounded(sum + static_cast<F>(sample[step]));
+    const F part = std::min(Distance(rest, full), F{1});
     // A negative part takes back what the first sample counted too much.
     const bool next = part > 0 && first + full < last;
-    return sum + static_cast<F>(sample[next ? step : 0]) * part;
+    return AddWeighted(sum, static_cast<F>(sample[next ? step : 0]), part);
 }
 
 template <typename T, typename F>
@@ -78,8 +92,11 @@ void CFilterBilinearFloat<T, F>::BilinearStageX(int component)
         const T* samples = mSource + std::ptrdiff_t{row} * mSrcLineWidth * mComponents + component;
         F start = 0;
         F end = mScaleX;
-        for (int i = 0; i < mDstWidth; ++i, start += mScaleX, end += mScaleX)
+        for (int i = 0; i < mDstWidth; ++i) {
             *result++ = RowSum(samples, start, end);
+            start = Rounded(start + mScaleX);
+            end = Rounded(end + mScaleX);
+        }
     }
 }
 
@@ -94,32 +111,34 @@ void CFilterBilinearFloat<T, F>::AddRows(F* sums, F start, F end) const
     int index = Cut(start, last);
     const F weight = FirstWeight(start, index);
     for (int i = 0; i < mDstWidth; ++i)
-        sums[i] = row(index)[i] * weight;
-    F rest = end - static_cast<F>(index + 1);
-    for (; rest >= 1 && index < last; rest -= 1) {
+        sums[i] = Rounded(row(index)[i] * weight);
+    F rest = Distance(end, index + 1);
+    for (; rest >= 1 && index < last; rest = Rounded(rest - 1)) {
         const F* next = row(++index);
         for (int i = 0; i < mDstWidth; ++i)
-            sums[i] += next[i];
+            sums[i] = Rounded(sums[i] + next[i]);
     }
     rest = std::min(rest, F{1});
     const F* partial = row(rest > 0 ? std::min(index + 1, last) : index);
     for (int i = 0; i < mDstWidth; ++i)
-        sums[i] = sums[i] + partial[i] * rest;
+        sums[i] = AddWeighted(sums[i], partial[i], rest);
 }
 
 template <typename T, typename F>
 void CFilterBilinearFloat<T, F>::BilinearStageY(int component)
 {
-    const F area = mScaleX * mScaleY;
+    const F area = Rounded(mScaleX * mScaleY);
     // Behind the rows of the horizontal stage there is room for one more.
     F* const sums = mResultVectorX + std::ptrdiff_t{mSrcHeight} * mDstWidth;
     T* result = mResultVectorY + component;
     F start = 0;
     F end = mScaleY;
-    for (int j = 0; j < mDstHeight; ++j, start += mScaleY, end += mScaleY) {
+    for (int j = 0; j < mDstHeight; ++j) {
         AddRows(sums, start, end);
         for (int i = 0; i < mDstWidth; ++i, result += mComponents)
-            *result = static_cast<T>(static_cast<int>(sums[i] / area));
+            *result = static_cast<T>(static_cast<int>(Rounded(sums[i] / area)));
+        start = Rounded(start + mScaleY);
+        end = Rounded(end + mScaleY);
     }
 }
 
@@ -157,8 +176,8 @@ T* CFilterBilinearFloat<T, F>::DownScale(T* source, int srcWidth, int srcHeight,
     mDstWidth = dstWidth;
     mDstHeight = dstHeight;
     mComponents = components;
-    mScaleX = static_cast<F>(srcWidth) / static_cast<F>(dstWidth);
-    mScaleY = static_cast<F>(srcHeight) / static_cast<F>(dstHeight);
+    mScaleX = Quotient(srcWidth, dstWidth);
+    mScaleY = Quotient(srcHeight, dstHeight);
     mResultVectorX = sums.get();
     mResultVectorY = result.get();
     mSource = source;

@@ -29,6 +29,7 @@
 #include "graflib/CollapsedRows.h"
 #include "graflib/FixedPointTypes.h"
 #include "graflib/PixelTypes.h"
+#include "graflib/SinglePrecision.h"
 
 namespace {
 
@@ -111,8 +112,7 @@ SScaleParams<SHIFT, Tpixel> MakeParams(const CDataRect& source, Tpixel* dest, in
 /// Source pixels to a destination pixel.
 float AreaRatio(const CDataRect& source, int width, int height)
 {
-    return (static_cast<float>(source.mWidth) / static_cast<float>(width)) *
-           (static_cast<float>(source.mHeight) / static_cast<float>(height));
+    return Rounded(Quotient(source.mWidth, width) * Quotient(source.mHeight, height));
 }
 
 void ShowRatio(const CDataRect& source, int width, int height)

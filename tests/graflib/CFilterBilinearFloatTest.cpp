@@ -1,5 +1,11 @@
 #include "graflib/CFilterBilinearFloat.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "graflib/SinglePrecision.h"
 #include "tests/TestSupport.h"
 
 using Line = std::vector<float>;
@@ -8,17 +14,18 @@ using Line = std::vector<float>;
 static Line SlowSums(const Line& samples, int count)
 {
     const int last = static_cast<int>(samples.size()) - 1;
-    const float step = static_cast<float>(last + 1) / static_cast<float>(count);
+    const float step = Quotient(last + 1, count);
     Line sums;
-    for (float start = 0; count-- > 0; start += step) {
+    for (float start = 0; count-- > 0; start = Rounded(start + step)) {
         int i = std::min(static_cast<int>(start), last);
-        const float left = start - static_cast<float>(i);
-        float sum = samples.data()[i] * static_cast<float>(1.0 - static_cast<double>(left));
-        float rest = start + step - static_cast<float>(i + 1);
-        for (; rest >= 1 && i < last; rest -= 1)
-            sum += samples.data()[++i];
+        const float left = Rounded(start - static_cast<float>(i));
+        const float weight = Rounded(static_cast<float>(1.0 - static_cast<double>(left)));
+        float sum = Rounded(samples.data()[i] * weight);
+        float rest = Rounded(Rounded(start + step) - static_cast<float>(i + 1));
+        for (; rest >= 1 && i < last; rest = Rounded(rest - 1))
+            sum = Rounded(sum + samples.data()[++i]);
         i = rest > 0 ? std::min(i + 1, last) : i;
-        sums.push_back(sum + samples.data()[i] * std::min(rest, 1.0F));
+        sums.push_back(Rounded(sum + Rounded(samples.data()[i] * std::min(rest, 1.0F))));
     }
     return sums;
 }
@@ -45,7 +52,7 @@ TEST(CFilterBilinearFloat, EqualsTheDefinition)
         for (std::size_t i = 0, x = 0; x < columns.size(); ++x)
             for (const float sum : SlowSums(columns[x], newHeight))
                 ASSERT_EQ(result[i++ % rows * columns.size() + x],
-                          static_cast<int>(sum / (filter.mScaleX * filter.mScaleY)))
+                          static_cast<int>(Rounded(sum / Rounded(filter.mScaleX * filter.mScaleY))))
                     << testing::PrintToString(sizes);
     }
     EXPECT_EQ(calls, 2 * 302);

@@ -1,6 +1,18 @@
 // Both scalers on small pictures, worked out by hand: the fixed-point scaler rounds, the float
 // filter cuts.
+#include <cstring>
+#include <tuple>
+#include <vector>
+
 #include "tests/TestSupport.h"
+
+/// 16-bit samples in the machine's byte order.
+static Bytes Shorts(const std::vector<short>& samples)
+{
+    Bytes bytes(samples.size() * sizeof(short));
+    std::memcpy(bytes.data(), samples.data(), bytes.size());
+    return bytes;
+}
 
 TEST(DownScale, SmallPicturesByHand)
 {
@@ -14,7 +26,7 @@ TEST(DownScale, SmallPicturesByHand)
         {{1, 3000000, 8}, Bytes(3000000, 255), 1, 1, {255}, {255}},
         {{2, 1, 24}, {10, 20, 30, 50, 60, 70}, 1, 1, {30, 40, 50}, {30, 40, 50}},
         {{1, 2, 32}, {1, 2, 3, 4, 3, 4, 5, 6}, 1, 1, {2, 3, 4, 5}, {}},
-        {{2, 1, 16}, {255, 0, 2, 1}, 1, 1, {1, 1}, {0, 1}},
+        {{2, 1, 16}, Shorts({255, 258}), 1, 1, Shorts({257}), Shorts({256})},
         {{2, 1, 8}, {1, 2}, 0, 1, {}, {}},
         {{1, 2, 8}, {1, 2}, 1, -1, {}, {}}};
     for (const auto& [shape, pixels, width, height, fixed, floating] : rows) {

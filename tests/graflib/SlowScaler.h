@@ -6,10 +6,11 @@
 #include <cstdint>
 #include <vector>
 
+#include "graflib/SinglePrecision.h"
+
 inline int SlowShift(int width, int height, int newWidth, int newHeight)
 {
-    const float ratio = (static_cast<float>(width) / static_cast<float>(newWidth)) *
-                        (static_cast<float>(height) / static_cast<float>(newHeight));
+    const float ratio = Rounded(Quotient(width, newWidth) * Quotient(height, newHeight));
     const bool isShort = std::max(width, height) < 1 << 15;
     return ratio < 16 && isShort ? 16 : ratio < 256 ? 8 : ratio < 1024 ? 4 : 2;
 }
