@@ -103,7 +103,9 @@ bool CTessel::TestFile(const char* folder, const char* name)
 /// The same with the name's record, null where there is none.
 bool CTessel::TestFile(const char* folder, const char* name, const SFileInfo* record)
 {
+#ifdef __GNUC__
     __builtin_prefetch(record ? &record->mTime : nullptr);  // to be there when the kernel answers
+#endif
     long time = 0;
     std::string path;
     path.reserve(std::strlen(folder) + 1 + std::strlen(name));

@@ -1,12 +1,13 @@
 #include <fcntl.h>
-#include <malloc.h>
 #include <unistd.h>
 
-#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 #include "app/CTessel.h"
 #include "util/CStringTool.h"
@@ -39,18 +40,21 @@ void OpenStandardDescriptors()
 /// a name by itself, depending on what the output is.
 void BufferWholeLines()
 {
-    static char buffer[2 * PATH_MAX];
+    constexpr std::size_t kLongestPath = 4096;
+    static char buffer[2 * kLongestPath];
     std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
 }
 
 /// Lets the allocator keep what libjpeg takes for one progressive picture for the next. By default
 /// it would give it back to the system and get it again, page by page and cleared, which costs a
-/// twentieth of a run.
+/// twentieth of a run. Only GNU's allocator can be asked.
 void KeepMemory()
 {
+#ifdef __GLIBC__
     constexpr int kLargestBlock = 1 << 30;
     mallopt(M_MMAP_THRESHOLD, kLargestBlock);
     mallopt(M_TRIM_THRESHOLD, kLargestBlock);
+#endif
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 // these are the photographs of that folder, else noise. What each figure is compared with is timed
 // in the same run; see docs/performance.md.
 #include <benchmark/benchmark.h>
-#include <malloc.h>
 
 #include <cstdlib>
 #include <iostream>
@@ -10,6 +9,9 @@
 
 #include "bench/DatabaseBench.h"
 #include "bench/Operations.h"
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace {
 
@@ -26,8 +28,10 @@ constexpr std::size_t kWorkBytesPerPixel = 8;
 void KeepMemory(std::size_t bytes)
 {
     constexpr std::size_t kBlock = 64 << 20;
+#ifdef __GLIBC__
     mallopt(M_MMAP_THRESHOLD, 1 << 30);
     mallopt(M_TRIM_THRESHOLD, -1);
+#endif
     std::deque<std::vector<unsigned char>> blocks;
     for (std::size_t total = 0; total < bytes; total += kBlock)
         blocks.emplace_back(kBlock);

@@ -8,7 +8,7 @@ set(TESSEL_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/tessel)
 # Shared libraries are found beside the tool wherever both are moved to.
 file(RELATIVE_PATH from_bin_to_lib /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
 if(BUILD_SHARED_LIBS)
-  set_target_properties(tessel PROPERTIES INSTALL_RPATH "$ORIGIN/${from_bin_to_lib}")
+  set_target_properties(tessel PROPERTIES INSTALL_RPATH "${TESSEL_ORIGIN}/${from_bin_to_lib}")
 endif()
 install(TARGETS tessel RUNTIME COMPONENT runtime)
 install(FILES ${PROJECT_SOURCE_DIR}/docs/tessel.1

@@ -18,8 +18,9 @@ int main(int argc, char** argv)
         image.Read(argv[1], nullptr);
         const int longer = std::max(image.mWidth, image.mHeight);
         if (longer > size)  // proportions in 64 bits: neither side may wrap or vanish
-            image.DownScaleFix2(static_cast<int>(std::max(1L, 1L * image.mWidth * size / longer)),
-                                static_cast<int>(std::max(1L, 1L * image.mHeight * size / longer)));
+            image.DownScaleFix2(
+                static_cast<int>(std::max(1LL, 1LL * image.mWidth * size / longer)),
+                static_cast<int>(std::max(1LL, 1LL * image.mHeight * size / longer)));
         image.Write(argv[2], false, nullptr);
     } catch (const CGraflibException& error) {
         std::cerr << (error.mCode == GLIB_ERR_READ ? "cannot read " : "cannot write ")

@@ -2,12 +2,12 @@
 #define TESSEL_FUZZ_FUZZ_H
 
 // What the fuzz targets share.
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <string>
 #include <string_view>
@@ -24,24 +24,26 @@ inline void Require(bool holds, const char* claim)
     std::abort();
 }
 
-/// A file in memory, with a path to open it by.
-class MemoryFile
+/// A file that lasts as long as the object.
+class ScratchFile
 {
 public:
-    explicit MemoryFile(std::string_view content) : mFile(memfd_create("input", 0))
+    explicit ScratchFile(std::string_view content)
     {
-        Require(
-            write(mFile, content.data(), content.size()) == static_cast<ssize_t>(content.size()),
-            "a file in memory takes all bytes");
+        const int file = mkstemp(mPath.data());
+        const auto size = static_cast<ssize_t>(content.size());
+        Require(file >= 0 && write(file, content.data(), content.size()) == size,
+                "a file takes all bytes");
+        close(file);
     }
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-    ~MemoryFile() { close(mFile); }
+    ScratchFile(const ScratchFile&) = delete;
+    ScratchFile& operator=(const ScratchFile&) = delete;
+    ~ScratchFile() { unlink(mPath.c_str()); }
 
-    std::string Path() const { return "/proc/self/fd/" + std::to_string(mFile); }
+    const std::string& Path() const { return mPath; }
 
 private:
-    int mFile;
+    std::string mPath = std::filesystem::temp_directory_path() / "tessel-fuzz-XXXXXX";
 };
 
 inline std::string_view AsText(const std::uint8_t* data, std::size_t size)

@@ -25,7 +25,7 @@ bool IsSame(const SFileInfo& a, const SFileInfo& b)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const MemoryFile file(AsText(data, size));
+    const ScratchFile file(AsText(data, size));
     CTessel first;
     first.ReadDbase(file.Path().c_str());
     static const ScratchFolder scratch;

@@ -41,7 +41,7 @@ void ReadWhole(const char* path, int offset)
     image.DownScaleFix2(kThumbSize, kThumbSize / 2);
     if (offset == 0)
         RequireSameByLines(path, image);
-    const MemoryFile target("");
+    const ScratchFile target("");
     image.Write(target.Path().c_str(), true, nullptr);
     Require(image.GetSize(target.Path().c_str(), 0, 0), "what is written can be read");
 }
@@ -63,7 +63,7 @@ void ReadByLine(const char* path)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     SilenceOutput();
-    const MemoryFile file(AsText(data, size));
+    const ScratchFile file(AsText(data, size));
     const std::string path = file.Path();
     const int offsets[] = {0, size == 0 ? 0 : data[size - 1]};
     for (const int offset : offsets) {

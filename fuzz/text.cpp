@@ -46,7 +46,7 @@ void CheckNames(const std::string& text)
 
 void CheckLines(const std::string& text)
 {
-    const MemoryFile content(text);
+    const ScratchFile content(text);
     CFileIO file;
     Require(file.OpenFileRead(content.Path().c_str(), CFileIO::kBinary), "the file opens");
     std::string all;

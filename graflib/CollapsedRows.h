@@ -117,7 +117,7 @@ void SumRows(SCollapsedRows<Tsample>& rows, const Tsample* row, int count)
     const std::size_t samples = rows.mFull.size();
     const bool inParts = count > kMost;
     if (inParts)
-        std::ranges::fill(rows.mFull, 0);
+        std::fill(rows.mFull.begin(), rows.mFull.end(), 0);
     for (; count > kMost; count -= kMost, row += kMost * samples) {
         SumPart(rows, row, kMost);
         AddRows<true, 1>(rows.mFull.data(), rows.mPart.data(), samples);

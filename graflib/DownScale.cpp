@@ -1,8 +1,11 @@
 // The float box filter, applied to an image.
 #include <cstring>
+#include <memory>
+#include <utility>
 
 #include "graflib/CFilterBilinearFloat.h"
 #include "graflib/CGraflib.h"
+#include "util/SizeProduct.h"
 
 template <typename Tsample>
 unsigned char* CGraflib::DownScaleFloat(int width, int height)
@@ -18,7 +21,7 @@ unsigned char* CGraflib::DownScaleFloat(int width, int height)
         return nullptr;
     // The record's buffer is an array of bytes of exactly its size, which the filter's isn't.
     const CDataRect result{nullptr, width, height, mBits};
-    auto pixels = std::make_unique_for_overwrite<unsigned char[]>(result.Bytes());
+    auto pixels = NewArray<unsigned char>(result.Bytes());
     std::memcpy(pixels.get(), samples.get(), result.Bytes());
     return ReplaceBuffer(std::move(pixels), width, height, mBits);
 }

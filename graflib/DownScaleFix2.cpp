@@ -30,6 +30,7 @@
 #include "graflib/FixedPointTypes.h"
 #include "graflib/PixelTypes.h"
 #include "graflib/SinglePrecision.h"
+#include "util/SizeProduct.h"
 
 namespace {
 
@@ -218,8 +219,7 @@ unsigned char* CGraflib::DownScaleDepth(int width, int height, const char* lines
     if (width < 1 || height < 1 || mWidth < 1 || mHeight < 1 || !(mData || linesOf) ||
         !FitsSide(std::max(mWidth, mHeight), kLowestShift) || mHeight / height >= kMostRows)
         return nullptr;
-    auto pixels = std::make_unique_for_overwrite<unsigned char[]>(
-        static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * sizeof(Tpixel));
+    auto pixels = NewArray<unsigned char>(width, height, sizeof(Tpixel));
     auto* dest = reinterpret_cast<Tpixel*>(pixels.get());
     bool done = true;
     const auto scale = [&]<int SHIFT>() {

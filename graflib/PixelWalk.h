@@ -11,6 +11,7 @@
 
 #include "graflib/CDataRect.h"
 #include "graflib/PixelTypes.h"
+#include "util/SizeProduct.h"
 
 /// The pixels of a record, rows from the top, as values of its depth's type.
 template <typename Tpixel>
@@ -25,9 +26,7 @@ class CNewPixels
 {
 public:
     explicit CNewPixels(std::size_t count)
-        : mCount(count),
-          mBytes(
-              std::make_unique_for_overwrite<unsigned char[]>(SizeProduct(mCount, sizeof(Tpixel))))
+        : mCount(count), mBytes(NewArray<unsigned char>(mCount, sizeof(Tpixel)))
     {
     }
 

@@ -260,8 +260,7 @@ unsigned char* CGraphicsJpeg::ReadJpeg(const char* fileName, int* width, int* he
     } const closer{this};
 
     mState->mTargetRowBytes = *width * *components;
-    std::unique_ptr<unsigned char[]> pixels(
-        new unsigned char[SizeProduct(*width, *components, *height)]);
+    auto pixels = NewArray<unsigned char>(*width, *components, *height);
     mState->mImageData = pixels.get();
     mState->mWriteCursor = pixels.get();
     while (LinesRemain()) {

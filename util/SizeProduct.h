@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <memory>
 #include <new>
 
 /// The product of sizes, such as of a width, a height and the bytes of a pixel: what an array is
@@ -21,6 +22,13 @@ std::size_t SizeProduct(Factors... factors)
         product *= factor;
     }
     return static_cast<std::size_t>(product);
+}
+
+/// A new array of as many elements as the product of the factors, whose values aren't set.
+template <typename T, typename... Factors>
+std::unique_ptr<T[]> NewArray(Factors... factors)
+{
+    return std::unique_ptr<T[]>(new T[SizeProduct(factors...)]);
 }
 
 #endif
