@@ -1,5 +1,6 @@
 #include "app/CTessel.h"
 
+#include <cstddef>
 #include <vector>
 
 #include "app/CIndexPage.h"

@@ -12,6 +12,8 @@
 #include <cstdint>
 #include <cstring>
 #include <fstream>
+#include <set>
+#include <string>
 #include <utility>
 #include <vector>
 

@@ -1,6 +1,10 @@
 // The database: whatever is read, what is then written is read back the same.
 #include <algorithm>
+#include <cstdint>
+#include <cstdlib>
 #include <filesystem>
+#include <set>
+#include <string>
 
 #include "app/CTessel.h"
 #include "fuzz/Fuzz.h"

@@ -1,7 +1,10 @@
 // The reader: whole, at an offset, line by line; the scaler on what was read and while it is read;
 // the writer.
+#include <cstdint>
 #include <cstring>
 #include <new>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "fuzz/Fuzz.h"

@@ -1,8 +1,12 @@
 // Runs a fuzz target on files, and on all files of folders; those that don't exist are left out.
 // Behind "--damage" they are also cut at every length, and changed at every byte.
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <iterator>
+#include <string>
 
 #include "fuzz/Fuzz.h"
 

@@ -1,6 +1,8 @@
 // The fixed-point scaler against its definition: the first bytes give sizes and depth, the rest the
 // contents.
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <vector>
 

@@ -1,6 +1,9 @@
 // Strings, names and lines.
+#include <cstdint>
 #include <cstring>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "fuzz/Fuzz.h"

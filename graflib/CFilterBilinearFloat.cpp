@@ -50,10 +50,9 @@ int Cut(F position, int most)
 
 /// Room for a picture with a row and a column more; null where there is none.
 template <typename T>
-std::unique_ptr<T[]> NewArray(int width, int height, int components)
+std::unique_ptr<T[]> RoomFor(int width, int height, int components)
 try {
-    return std::unique_ptr<T[]>(
-        new T[SizeProduct(std::int64_t{width} + 1, std::int64_t{height} + 1, components)]);
+    return NewArray<T>(std::int64_t{width} + 1, std::int64_t{height} + 1, components);
 } catch (const std::bad_alloc&) {
     return nullptr;
 }
@@ -162,8 +161,8 @@ T* CFilterBilinearFloat<T, F>::DownScale(T* source, int srcWidth, int srcHeight,
 {
     if (std::min({srcWidth, srcHeight, dstWidth, dstHeight, components}) < 1)
         return nullptr;
-    const auto sums = NewArray<F>(dstWidth, srcHeight, components);
-    auto result = NewArray<T>(dstWidth, dstHeight, components);
+    const auto sums = RoomFor<F>(dstWidth, srcHeight, components);
+    auto result = RoomFor<T>(dstWidth, dstHeight, components);
     if (!sums)
         std::cout << "***** insufficent memory in DownScale mResultVectorX=NULL" << std::endl;
     if (!result)

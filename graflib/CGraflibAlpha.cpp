@@ -1,5 +1,8 @@
 // Alpha channels and planes.
+#include <cstddef>
 #include <iostream>
+#include <memory>
+#include <span>
 
 #include "graflib/CGraflib.h"
 #include "graflib/PixelWalk.h"

@@ -1,6 +1,8 @@
 // Orientation, channel order and palettes.
 #include <algorithm>
+#include <cstddef>
 #include <iostream>
+#include <span>
 
 #include "graflib/CGraflib.h"
 #include "graflib/PixelWalk.h"

@@ -21,8 +21,11 @@
 #include <algorithm>
 #include <climits>
 #include <cstddef>
+#include <cstdint>
 #include <iostream>
 #include <limits>
+#include <memory>
+#include <utility>
 
 #include "graflib/CGraflib.h"
 #include "graflib/CRowBand.h"

@@ -1,6 +1,7 @@
 #include "jpeg/CGraflibJpeg.h"
 
 #include <climits>
+#include <cstddef>
 #include <vector>
 
 #include "graflib/PixelTypes.h"

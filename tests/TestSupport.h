@@ -3,13 +3,24 @@
 
 // What the tests share: temporary folders, images with contents, encoded pictures, program runs.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
+#include <iterator>
+#include <memory>
 #include <random>
 #include <sstream>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
 // libjpeg's header wants stdio's names declared before it.
 #include <jpeglib.h>
 

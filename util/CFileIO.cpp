@@ -1,6 +1,7 @@
 #include "util/CFileIO.h"
 
 #include <cstring>
+#include <iterator>
 #include <memory>
 
 namespace {

@@ -8,9 +8,12 @@
 #include <cstdio>
 #include <cstring>
 #include <iostream>
+#include <iterator>
 #include <limits>
 #include <memory>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "util/CFileIO.h"
 #include "util/CStringTool.h"

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <ctime>
 #include <map>
+#include <set>
 
 #include "tests/TestSupport.h"
 #include "util/CFileIO.h"
