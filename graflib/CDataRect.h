@@ -31,6 +31,7 @@ struct CDataRect
     std::size_t RowBytes() const { return SizeProduct(mWidth, mBits / 8); }
     /// Bytes of the whole buffer.
     std::size_t Bytes() const { return SizeProduct(mWidth, mBits / 8, mHeight); }
+    /// Pixels of the whole picture.
     std::size_t PixelCount() const { return SizeProduct(mWidth, mHeight); }
 };
 
@@ -38,6 +39,7 @@ struct CDataRect
 class CPixelOwner
 {
 public:
+    /// `image` must outlive the owner.
     explicit CPixelOwner(CDataRect* image) : mImage(image) {}
     CPixelOwner(const CPixelOwner&) = delete;
     CPixelOwner& operator=(const CPixelOwner&) = delete;

@@ -32,18 +32,18 @@ public:
 
     // What DownScale fills in before it runs the stages. Who calls a stage alone fills it in
     // likewise: mResultVectorX has room for mSrcHeight + 1 rows of mDstWidth sums.
-    int mSrcWidth = 0;      ///< pixels
-    int mSrcHeight = 0;     ///< rows
-    int mSrcLineWidth = 0;  ///< pixels from one source row to the next
-    int mDstWidth = 0;
-    int mDstHeight = 0;
-    int mComponents = 0;          ///< samples per pixel
-    F mScaleX = 0;                ///< source pixels per destination pixel
-    F mScaleY = 0;                ///< source rows per destination row
-    F* mResultVectorX = nullptr;  ///< one component's rows and one more; null outside a call
-    T* mResultVectorY = nullptr;  ///< the result; null outside a call
-    T* mSource = nullptr;         ///< only read
-    void (*mProgress)() = nullptr;
+    int mSrcWidth = 0;              ///< pixels
+    int mSrcHeight = 0;             ///< rows
+    int mSrcLineWidth = 0;          ///< pixels from one source row to the next
+    int mDstWidth = 0;              ///< pixels
+    int mDstHeight = 0;             ///< rows
+    int mComponents = 0;            ///< samples per pixel
+    F mScaleX = 0;                  ///< source pixels per destination pixel
+    F mScaleY = 0;                  ///< source rows per destination row
+    F* mResultVectorX = nullptr;    ///< one component's rows and one more; null outside a call
+    T* mResultVectorY = nullptr;    ///< the result; null outside a call
+    T* mSource = nullptr;           ///< the source's samples, only read
+    void (*mProgress)() = nullptr;  ///< called before each stage; may be null
 
 private:
     F RowSum(const T* samples, F start, F end) const;

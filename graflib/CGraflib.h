@@ -30,15 +30,23 @@ public:
 
     bool mAppendMode = false;  ///< append to files instead of replacing them
 
-    // --- Files; see the class of the file format ------------------------------------------------
+    // --- Files: the class of a file format says more ---------------------------------------------
 
+    /// Reads a file into a new buffer. True, or an exception (GLIB_ERR_READ).
     virtual bool Read(const char* fileName, SFileReadInfo* info) = 0;
+    /// Writes the picture as a file. True, or an exception (GLIB_ERR_WRITE).
     virtual bool Write(const char* fileName, bool, CFileIO*) = 0;
+    /// Opens a file to read row by row and sets size and depth. True, or an exception.
     virtual bool OpenReadLine(const char* fileName) = 0;
+    /// Stores the next row at `line`; false when there is none.
     virtual bool ReadLine(void* line) = 0;
+    /// Ends what OpenReadLine began, at the last row or before.
     virtual void CloseReadLine() = 0;
+    /// Opens a file to write row by row. True, or an exception.
     virtual bool OpenWriteLine(const char* fileName) = 0;
+    /// Writes the next row; returns the number of rows accepted.
     virtual int WriteLine(void* line) = 0;
+    /// Ends what OpenWriteLine began, once all rows are written.
     virtual void CloseWriteLine() = 0;
     /// Stores `append` in mAppendMode.
     virtual void SetAppendMode(bool append);

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+/// @file
 /// Value types of exactly one pixel. They hold their components and nothing else, so an array of
 /// them lies directly over a picture's buffer. They own nothing; threads need no care.
 
@@ -10,10 +11,10 @@
 template <typename T>
 struct CPixel32T
 {
-    T mRed;
-    T mGreen;
-    T mBlue;
-    T mAlpha;
+    T mRed;    ///< the first component
+    T mGreen;  ///< the second
+    T mBlue;   ///< the third
+    T mAlpha;  ///< the fourth
 
     /// Exchanges the first and the third component; green and alpha stay.
     void SwapRedBlue() { std::swap(mRed, mBlue); }
@@ -23,9 +24,9 @@ struct CPixel32T
 template <typename T>
 struct CPixel24T
 {
-    T mRed;
-    T mGreen;
-    T mBlue;
+    T mRed;    ///< the first component
+    T mGreen;  ///< the second
+    T mBlue;   ///< the third
 
     /// Takes the colour of a 32-bit pixel; its alpha is dropped. (A template, so that a list of
     /// three values in braces can only be a pixel of 24 bits.)
@@ -72,16 +73,19 @@ using CRgba = CPixel32T<unsigned char>;  ///< one 32-bit pixel
 template <typename T, int COUNT>
 struct SPixelNi
 {
-    using Sample = T;
-    static constexpr int kComponents = COUNT;
+    using Sample = T;                          ///< the type of a sample
+    static constexpr int kComponents = COUNT;  ///< samples in a pixel
 
-    T mSamples[COUNT];
+    T mSamples[COUNT];  ///< in the order of the buffer
 };
 
+/// A pixel of 8 or 16 bits.
 template <typename T>
 using SPixel1i = SPixelNi<T, 1>;
+/// A pixel of 24 bits.
 template <typename T>
 using SPixel3i = SPixelNi<T, 3>;
+/// A pixel of 32 bits.
 template <typename T>
 using SPixel4i = SPixelNi<T, 4>;
 

@@ -5,12 +5,12 @@
 
 class CGraphicsJpeg;
 
-/// Where in a file CGraflibJpeg::Read finds its JPEG. The other fields aren't used by it.
+/// Where in a file CGraflibJpeg::Read finds its JPEG.
 struct SFileReadInfo
 {
-    int mFormat = 0;
+    int mFormat = 0;  ///< not used
     int mOffset = 0;  ///< the byte at which the JPEG begins
-    int mLength = 0;
+    int mLength = 0;  ///< not used
 };
 
 /// The image that reads and writes JPEG files, whole or line by line.
@@ -51,7 +51,11 @@ public:
     /// still open, as the destructor does; a file being written is then left cut short.
     bool OpenReadLine(const char* fileName) override;
     /// Stores the next row, mWidth * mBits / 8 bytes, at `line`: true mHeight times, then false.
+    /// A row that can't be decoded closes the read: false from then on. A picture that was cut
+    /// short gives all its rows, those that are missing in grey; only libjpeg's message on standard
+    /// error tells.
     bool ReadLine(void* line) override;
+    /// Ends the read, at the last row or before.
     void CloseReadLine() override;
 
     /// Opens a file for mHeight calls of WriteLine, of rows of mWidth pixels. True; throws
@@ -61,6 +65,8 @@ public:
     /// Writes the next row: red, green, blue for each pixel, whatever mBits says. Returns the
     /// number of rows accepted, which is 1; 0 when no write is open.
     int WriteLine(void* line) override;
+    /// Ends the write. Before the last of mHeight rows, libjpeg ends the process ("Application
+    /// transferred too few scanlines", exit status 1): write them all, whatever they hold.
     void CloseWriteLine() override;
     /// Whether OpenWriteLine appends to files or replaces them. Holds until OpenReadLine is called.
     void SetAppendMode(bool append) override;

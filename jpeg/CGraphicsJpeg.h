@@ -89,11 +89,14 @@ public:
     bool OpenJpegWrite(const char* fileName, int width, int height, int quality);
     /// Writes the next row, width * 3 bytes. Returns the number of rows accepted, which is 1.
     int WriteJpegLine(const void* line);
+    /// Ends the write. Before the last row, libjpeg ends the process ("Application transferred too
+    /// few scanlines", exit status 1).
     void CloseJpegWrite();
 
     /// Writes the picture that the last stream write described (whose pixels must still exist) to
-    /// a stream, or to a file. A file that can't be opened ends the process with exit status 1.
+    /// a stream.
     void write_JPEG_file(std::FILE* stream, int quality);
+    /// The same to a file. One that can't be opened ends the process with exit status 1.
     void write_JPEG_file(const char* fileName, int quality);
 
 private:

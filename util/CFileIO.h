@@ -69,6 +69,7 @@ public:
     /// line feed ended it: the rest of a file behind its last line feed is left in `line`, with
     /// the result false. An unreadable file ends like an empty one.
     bool ReadLine(std::string* line);
+    /// The same into an array of characters, without a terminating zero.
     bool ReadLine(std::vector<char>* line);
     /// Reads a whole file into a new array with a zero byte behind it and sets `*size` to the
     /// file's length. Null, with `*size` -1, when it can't be opened or is larger than an int
@@ -92,10 +93,13 @@ public:
     /// Moves the read position by `offset` from the start (direction 0), from where it is (1) or
     /// from the end (2). True when the new position, counted from the start, equals `offset`.
     bool SetReadPos2(int offset, unsigned char direction);
-    /// -1 when no file is open or its stream has failed.
+    /// The read position; -1 when no file is open or its stream has failed.
     int GetReadPos();
+    /// The write position; -1 as above.
     int GetWritePos();
+    /// Moves the write position.
     void SetWritePos(unsigned int position);
+    /// Moves the write position to the end of the file.
     void SetWritePosEnd();
 
     // --- Folders and files, by name ------------------------------------------------------------

@@ -7,6 +7,9 @@
 #include <memory>
 #include <new>
 
+/// @file
+/// Sizes multiplied safely.
+
 /// The product of sizes, such as of a width, a height and the bytes of a pixel: what an array is
 /// allocated with. Throws `std::bad_alloc` where no array can be so large, and for a negative
 /// factor, on machines of any width. No state, for any thread.
