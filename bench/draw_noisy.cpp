@@ -85,7 +85,7 @@ int main(int argc, char** argv)
         for (int i = 0; i < count; ++i)
             Draw(folder + "/noisy" + std::to_string(i) + ".jpg", fewest + more * i / count, noise);
     } catch (const CGraflibException& error) {
-        std::cerr << "draw_noisy: cannot write " << error.what() << std::endl;
+        std::cerr << "draw_noisy: " << error.what() << std::endl;
         return 1;
     }
     return 0;

@@ -4,6 +4,9 @@
 #include <exception>
 #include <string>
 
+/// @file
+/// What the image library throws.
+
 /// The codes of CGraflibException.
 enum EGraflibError : int {
     GLIB_ERR_READ = 1,      ///< a file can't be read; mInfo is its name
@@ -13,17 +16,44 @@ enum EGraflibError : int {
     GLIB_ERR_NOT24BIT = 6,  ///< this picture must have 24 bits; mInfo as above
 };
 
-/// What the image library throws, by value. CGraflib::ShowGlibError prints the texts of the codes
-/// from 4 on.
+/// What the image library throws, by value. It owns its texts. CGraflib::ShowGlibError prints other
+/// texts, of the codes from 4 on.
 class CGraflibException : public std::exception
 {
 public:
-    CGraflibException(int code, const std::string& info) : mCode(code), mInfo(info) {}
+    /// `code` is one of EGraflibError, `info` the name of a file or of an operation.
+    CGraflibException(int code, const std::string& info)
+        : mCode(code), mInfo(info), mText(info + ": " + Reason(code))
+    {
+    }
 
-    const char* what() const noexcept override { return mInfo.c_str(); }
+    /// What is wrong with what, such as "photo.jpg: can't be read". Fixed when the exception is
+    /// made.
+    const char* what() const noexcept override { return mText.c_str(); }
 
-    int mCode;
-    std::string mInfo;
+    int mCode;          ///< one of EGraflibError
+    std::string mInfo;  ///< the file's name, or the operation's
+
+private:
+    static const char* Reason(int code)
+    {
+        switch (code) {
+            case GLIB_ERR_READ:
+                return "can't be read";
+            case GLIB_ERR_WRITE:
+                return "can't be written";
+            case GLIB_ERR_SIZE:
+                return "the pictures differ in size";
+            case GLIB_ERR_NOT32BIT:
+                return "the other picture must have 32 bits";
+            case GLIB_ERR_NOT24BIT:
+                return "this picture must have 24 bits";
+            default:
+                return "failed";
+        }
+    }
+
+    std::string mText;
 };
 
 #endif
