@@ -1,22 +1,30 @@
-// Halves a JPEG of any size with two of its lines in memory.
+// Halves a JPEG of any size with a few of its lines in memory.
 #include <iostream>
 #include <vector>
 
+#include "examples/Helpers.h"
 #include "jpeg/CGraflibJpeg.h"
 
 namespace {
 
-/// Copies `lines` lines of half the width. Each pair of lines is halved in place.
-void HalveLines(CGraflibJpeg& in, CGraflibJpeg& out, int lines)
+/// Writes all lines of half the width; false when one couldn't be read and repeats the one before.
+bool HalveLines(CGraflibJpeg& in, CGraflibJpeg& out)
 {
-    const auto lineBytes = static_cast<int>(in.RowBytes());
-    std::vector<unsigned char> pair(in.RowBytes() * 2);
-    for (int i = 0; i < lines; ++i) {
-        if (!in.ReadLine(pair.data()) || !in.ReadLine(pair.data() + lineBytes))
-            throw CGraflibException(GLIB_ERR_READ, "a row of the picture");
-        in.DownScaleLine2(pair.data(), pair.data(), lineBytes);
-        out.WriteLine(pair.data());
+    const std::size_t lineBytes = in.RowBytes();
+    std::vector<unsigned char> pair(lineBytes * 2);
+    std::vector<CRgb> line(static_cast<std::size_t>(out.mWidth));
+    bool whole = true;
+    for (int y = 0; y < out.mHeight; ++y) {
+        whole &= in.ReadLine(pair.data()) && in.ReadLine(pair.data() + lineBytes);
+        in.DownScaleLine2(pair.data(), pair.data(), static_cast<int>(lineBytes));
+        const unsigned char* samples = pair.data();
+        for (CRgb& pixel : line) {
+            pixel = ColourOf(samples, in.mBits);
+            samples += in.mBits / 8;
+        }
+        out.WriteLine(line.data());
     }
+    return whole;
 }
 
 }  // namespace
@@ -33,13 +41,15 @@ int main(int argc, char** argv)
         in.OpenReadLine(argv[1]);
         out.mWidth = in.mWidth / 2;
         out.mHeight = in.mHeight / 2;
-        out.mBits = in.mBits;
+        out.mBits = 24;
         out.OpenWriteLine(argv[2]);  // throws for a picture too small to be halved
-        HalveLines(in, out, out.mHeight);
+        const bool whole = HalveLines(in, out);
         in.CloseReadLine();
         out.CloseWriteLine();
-    } catch (const CGraflibException& error) {
-        std::cerr << "failed: " << error.mInfo << std::endl;
+        if (!whole)
+            throw CGraflibException(GLIB_ERR_READ, argv[1]);
+    } catch (const std::exception& error) {  // CGraflibException, or std::bad_alloc
+        std::cerr << "halve_lines: " << error.what() << std::endl;
         return 1;
     }
     return 0;

@@ -49,9 +49,8 @@ int main(int argc, char** argv)
         DrawVignette(&overlay);
         photo.CombineWithAlpha(&overlay);  // throws unless photo has 24 bits
         photo.Write(argv[2], false, nullptr);
-    } catch (CGraflibException& error) {
-        photo.ShowGlibError(error);  // has a text for pictures that don't match, none for files
-        std::cerr << "failed: " << error.mInfo << std::endl;
+    } catch (const std::exception& error) {  // CGraflibException, or std::bad_alloc
+        std::cerr << "overlay: " << error.what() << std::endl;
         return 1;
     }
     return 0;

@@ -91,7 +91,7 @@ class GalleryTest(unittest.TestCase):
         cls.drawn = os.path.join(work.name, "drawn")
         cls.root = os.path.join(work.name, "galleries")
         os.mkdir(cls.root)
-        subprocess.run([BUILD / "examples" / "draw_pictures", cls.drawn], check=True,
+        subprocess.run([BUILD / "demo" / "draw_pictures", cls.drawn], check=True,
                        stdout=subprocess.DEVNULL)
         cls.addresses = {"http": cls.serve(PlainHandler), "charset": cls.serve(CharsetHandler),
                          "file": pathlib.Path(cls.root).as_uri()}

@@ -102,8 +102,8 @@ int main(int argc, char** argv)
             std::cout << "Drawing " << picture.mName << std::endl;
             DrawFile(picture, folder + "/" + picture.mName);
         }
-    } catch (const CGraflibException& error) {
-        std::cerr << "draw_pictures: cannot write " << error.what() << std::endl;
+    } catch (const std::exception& error) {
+        std::cerr << "draw_pictures: " << error.what() << std::endl;
         return 1;
     }
     return 0;
