@@ -5,17 +5,19 @@ include(CMakePackageConfigHelpers)
 
 set(TESSEL_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/tessel)
 
-# Shared libraries are found beside the tool wherever both are moved to.
-file(RELATIVE_PATH from_bin_to_lib /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
-if(BUILD_SHARED_LIBS)
-  set_target_properties(tessel PROPERTIES INSTALL_RPATH "${TESSEL_ORIGIN}/${from_bin_to_lib}")
+if(TESSEL_TOOL)
+  # Shared libraries are found beside the tool wherever both are moved to.
+  file(RELATIVE_PATH from_bin_to_lib /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+  if(BUILD_SHARED_LIBS)
+    set_target_properties(tessel PROPERTIES INSTALL_RPATH "${TESSEL_ORIGIN}/${from_bin_to_lib}")
+  endif()
+  install(TARGETS tessel RUNTIME COMPONENT runtime)
+  install(FILES ${PROJECT_SOURCE_DIR}/docs/tessel.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT runtime)
+  install(FILES ${PROJECT_SOURCE_DIR}/app/tessel.bash-completion
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME tessel
+    COMPONENT runtime)
 endif()
-install(TARGETS tessel RUNTIME COMPONENT runtime)
-install(FILES ${PROJECT_SOURCE_DIR}/docs/tessel.1
-  DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT runtime)
-install(FILES ${PROJECT_SOURCE_DIR}/app/tessel.bash-completion
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME tessel
-  COMPONENT runtime)
 
 # A shared library is needed by the tool, too; its link without a version, by developers alone.
 install(TARGETS tessel_util tessel_graflib tessel_jpeg EXPORT tesselTargets
@@ -39,6 +41,11 @@ install(FILES ${PROJECT_BINARY_DIR}/tesselConfig.cmake
 
 file(RELATIVE_PATH TESSEL_PC_PREFIX /usr/${CMAKE_INSTALL_LIBDIR}/pkgconfig /usr)
 string(REGEX REPLACE "/$" "" TESSEL_PC_PREFIX ${TESSEL_PC_PREFIX})
+# Who links static libraries links what they need, too.
+set(TESSEL_PC_REQUIRES Requires)
+if(BUILD_SHARED_LIBS)
+  set(TESSEL_PC_REQUIRES Requires.private)
+endif()
 configure_file(cmake/tessel.pc.in tessel.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tessel.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

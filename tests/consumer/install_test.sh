@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds and runs a program with an installed copy in a folder that it was moved to: by CMake and by
-# pkg-config, with static and with shared libraries; and with the sources as part of a project.
+# pkg-config, with static and with shared libraries; and with the sources as part of a project, with
+# the tool and without.
 set -euo pipefail
 
 [[ $# -eq 4 ]] || { echo "Usage: install_test.sh SOURCES BUILD PROGRAM.CPP PHOTO" >&2; exit 2; }
@@ -41,10 +42,14 @@ consume static -DCMAKE_PREFIX_PATH="$prefix"
 PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name tessel.pc)")
 export PKG_CONFIG_PATH
 # shellcheck disable=SC2046  # several words
-c++ -std=c++20 "$program" -o "$work/by-pkg-config" $(pkg-config --static --cflags --libs tessel)
+c++ -std=c++20 "$program" -o "$work/by-pkg-config" $(pkg-config --cflags --libs tessel)
 try pkg-config "$work/by-pkg-config"
 
-consume subdirectory -DTESSEL_SOURCE="$sources"
+for tool in ON OFF; do
+    consume "fetched-$tool" -DTESSEL_SOURCE="$sources" -DTESSEL_TOOL=$tool
+done
+[[ -e $work/fetched-ON/_deps/tessel-build/tessel ]]
+[[ ! -e $work/fetched-OFF/_deps/tessel-build/tessel ]]
 
 cmake -G Ninja -S "$sources" -B "$work/build" -DBUILD_SHARED_LIBS=ON -DCMAKE_BUILD_TYPE=Debug \
     -DTESSEL_TESTS=OFF -DTESSEL_EXAMPLES=OFF >"$work/log"
