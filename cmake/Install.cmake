@@ -12,11 +12,14 @@ if(TESSEL_TOOL)
     set_target_properties(tessel PROPERTIES INSTALL_RPATH "${TESSEL_ORIGIN}/${from_bin_to_lib}")
   endif()
   install(TARGETS tessel RUNTIME COMPONENT runtime)
-  install(FILES ${PROJECT_SOURCE_DIR}/docs/tessel.1
-    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT runtime)
-  install(FILES ${PROJECT_SOURCE_DIR}/app/tessel.bash-completion
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME tessel
-    COMPONENT runtime)
+  install(PROGRAMS ${PROJECT_SOURCE_DIR}/app/tessel-tree TYPE BIN COMPONENT runtime)
+  foreach(name tessel tessel-tree)
+    install(FILES ${PROJECT_SOURCE_DIR}/docs/${name}.1
+      DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT runtime)
+    install(FILES ${PROJECT_SOURCE_DIR}/app/tessel.bash-completion
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME ${name}
+      COMPONENT runtime)
+  endforeach()
 endif()
 
 # A shared library is needed by the tool, too; its link without a version, by developers alone.

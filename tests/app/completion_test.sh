@@ -11,8 +11,9 @@ mkdir -p 'my photos/sub one' 'my photos/sub two' mine "it's"
 touch my.jpg 'my photos/subject.jpg'
 
 # expect WORDS... = COMPLETIONS...: what the last word may become, in any order.
+program=tessel
 expect() {
-    COMP_WORDS=(tessel)
+    COMP_WORDS=("$program")
     while [[ $1 != = ]]; do
         COMP_WORDS+=("$1")
         shift
@@ -41,4 +42,10 @@ expect -tsize '' = 96 128 192 256 384 512
 expect -tsize my =
 expect -tsize 192 m = 'my photos' mine
 expect -tsize 192 - = -tsize
+program=tessel-tree
+expect --p = --prune --page
+expect -tsize 1 = 128 192
+expect --log my.j = my.jpg
+expect -j '' =
+expect m = 'my photos' mine
 [[ $(complete -p tessel) == *'-o filenames -F _tessel tessel' ]]

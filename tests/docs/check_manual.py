@@ -42,7 +42,7 @@ def printed_lines(tessel, pictures):
 
 
 def main(tessel, pictures):
-    subprocess.run(["mandoc", "-T", "lint", "-W", "warning", PAGE], check=True)
+    subprocess.run(["mandoc", "-T", "lint", "-W", "warning", *PAGE.parent.glob("*.1")], check=True)
     rendered = subprocess.run(["mandoc", "-T", "ascii", PAGE], check=True, text=True,
                               stdout=subprocess.PIPE).stdout
     page = squeezed(re.sub(".\b", "", rendered))

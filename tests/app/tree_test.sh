@@ -1,0 +1,104 @@
+#!/usr/bin/env bash
+# tessel-tree against plain runs: tree_test.sh TESSEL TESSEL-TREE PICTURE
+set -euo pipefail
+
+tessel=$(realpath "$1") tree=$(realpath "$2") picture=$(realpath "$3")
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+mkdir "$work/bin"
+ln -s "$tessel" "$work/bin/tessel"
+PATH=$work/bin:$PATH
+cd "$work"
+
+fail() { printf '%s\n' "tree_test: $*" >&2 && exit 1; }
+
+# add FOLDER NAME...: pictures, of a time that is the same in every copy.
+add() {
+    local name
+    mkdir -p -- "$1"
+    for name in "${@:2}"; do cp -- "$picture" "$1/$name" && touch -d @1700000000 -- "$1/$name"; done
+}
+
+# expect_plain CASE WORDS: the tree is what plain runs make of it, and the words are said.
+expect_plain() {
+    diff -r plain tree >differences || fail "$1:" "$(head differences said)"
+    [[ $(<said) == *"$2"* ]] || fail "$1: $(<said)"
+}
+
+# start_with FOLDER: what plain runs make of it goes to "plain", a copy to "tree".
+start_with() {
+    rm -rf plain tree && cp -a "$1" plain && cp -a "$1" tree
+    find plain -name tessel -prune -o -iname '*.jpg' -printf '%h\0' | sort -zu | xargs -0n1 tessel &>/dev/null
+    tessel plain/emptied
+}
+
+# run OPTION...: tessel-tree over the tree; its status and what it says stay.
+run() { status=0 && "$tree" "$@" tree >said 2>&1 || status=$?; }
+
+add start/plain b.JPG a.jpg 'q'\''".jpg'
+add start/-dash -x.jpg
+add $'start/line\nfeed' $'n\nl.jpg'
+add $'start/x\xff y' $'\xff.jpg'
+add 'start/a  b/#?%41&' t.jpg
+add start/tessel-not/tessel hidden.jpg
+add start/emptied/tessel gone.jpg
+printf 'gone.jpg\t5\n' >start/emptied/tessel/tesselbase.txt
+add start/large $'t\tab.jpg' $'it\'s $x \\ "q.jpg' linked.jpg cut.jpg bad.jpg
+for i in {1..102}; do add start/large "$i.jpg"; done
+ln -sf ../plain/a.jpg start/large/linked.jpg
+head -c 100 "$picture" >start/large/cut.jpg
+echo text >start/large/bad.jpg
+ln -s ../plain start/large/elsewhere
+touch -d @1700000000 start/large/*
+
+start_with start
+run -j4 --log log
+expect_plain new '7 galleries, 114 pictures, 112 thumbnails made'
+grep -qF 'tree/large/bad.jpg: Not a JPEG file: starts with 0x74 0x65' said || fail "$(<said)"
+[[ $status == 0 && $(grep -ac '^Reading ' log) == 114 ]] || fail "log: $(grep -ac '^Reading ' log)"
+run
+expect_plain again 'pictures, 2 thumbnails made' # of names that no database holds
+[[ $(grep -c . said) == 4 ]] || fail "$(<said)"
+
+# Changed, removed and new pictures, on two machines that a stand-in for ssh reaches.
+mv tree before
+touch -d @1700000001 before/large/{1..9}{0..9}.jpg
+rm before/plain/b.JPG before/large/?.jpg
+add before/large new{1..50}.jpg
+start_with before
+# shellcheck disable=SC2016  # the other shell's
+printf '#!/bin/sh\nwhile [ "${1#-}" != "$1" ]; do shift; done; shift; [ "$1" != -- ] || shift; exec sh -c "$*"\n' >bin/ssh
+chmod +x bin/ssh
+run -j1 -S one,two
+expect_plain 'two machines' '7 galleries, 154 pictures, 142 thumbnails made'
+
+# Killed at any moment, it goes on where it was.
+for delay in 0.{3,6,9} 1.{1,3,5,8}; do
+    rm -rf tree && cp -a before tree
+    { setsid timeout -s KILL "$delay" "$tree" tree || pkill -KILL -f "$work/bin" || true; } &>/dev/null
+    run
+    expect_plain "killed after $delay s" '7 galleries'
+done
+rm -rf tree && cp -a before tree
+"$tree" tree &>/dev/null &
+run
+wait
+expect_plain 'two at once' '7 galleries'
+
+# The page of galleries, and what is left when pictures are gone.
+run --prune --page
+[[ $(ls tree/emptied/tessel) == tesselbase.txt && ! -s tree/emptied/tessel/tesselbase.txt ]] || fail prune
+[[ ! -e tree/plain/tessel/b.JPG && $(cut -f1 tree/plain/tessel/tesselbase.txt) == $'a.jpg\nq\'".jpg' ]] || fail prune
+[[ $(grep -c '<td>' tree/galleries.html) == 7 ]] || fail "$(<tree/galleries.html)"
+grep -qF '<a href="a%20%20b/%23%3F%2541%26/index.html"><img src="a%20%20b/%23%3F%2541%26/tessel/t.jpg">' \
+    tree/galleries.html || fail "$(<tree/galleries.html)"
+
+# Status and words of what goes wrong.
+mkdir empty
+for words in '1 missing' '0 empty' '2 -j 0 tree' '2 -x tree' '2' '0 --help' '0 --version'; do
+    read -ra arguments <<<"${words:1}"
+    status=0 && "$tree" "${arguments[@]}" &>said || status=$?
+    [[ $status == "${words%% *}" ]] || fail "$words: $status $(<said)"
+done
+rm -rf tree && cp -a start tree
+(ulimit -f 1 && trap '' XFSZ && run && [[ $status == 1 ]]) || fail 'a full disk'
