@@ -189,6 +189,27 @@ class GalleryTest(unittest.TestCase):
                         nothing = way == "http" and name in NEED_CHARSET
                         self.check_name(page, name, "" if nothing else works)
 
+    def test_page_of_galleries_leads_to_each(self):
+        names = [b"10 & <b>", b"2#?", b"a%41\"'", "ä".encode(), b"one", b"x\ny"]
+        path = os.fsencode(tempfile.mkdtemp(dir=self.root))
+        for name in names:
+            os.mkdir(os.path.join(path, name))
+            shutil.copy(os.path.join(self.drawn, "15_small_boat.jpg"),
+                        os.fsdecode(os.path.join(path, name)))
+        subprocess.run([BUILD / "tessel-tree", "--page", path], check=True, stdout=subprocess.DEVNULL)
+        for address in self.addresses.values():
+            page = f"{address}/{os.path.basename(os.fsdecode(path))}/galleries.html"
+            self.browser.get(page)
+            cells = self.browser.find_elements(By.TAG_NAME, "td")
+            self.assertEqual([cell.text.strip() for cell in cells],
+                             ["2#?: 1", "10 & <b>: 1", "a%41\"': 1", "one: 1", "x y: 1", "ä: 1"])
+            for index in range(len(names)):
+                image = self.browser.find_elements(By.TAG_NAME, "img")[index]
+                self.assertGreater(image.get_property("naturalWidth"), 0)
+                image.click()
+                self.assertEqual(len(self.browser.find_elements(By.TAG_NAME, "td")), 1)
+                self.browser.get(page)
+
 
 if __name__ == "__main__":
     unittest.main()
