@@ -65,7 +65,7 @@ struct TestImage final : CGraflibJpeg
     ~TestImage() { delete[] mData; }
 
     Shape GetShape() const { return {mWidth, mHeight, mBits}; }
-    ::Bytes Pixels() const { return {mData, mData + Bytes()}; }
+    ::Bytes Pixels() const { return {mData, mData + (mData ? Bytes() : 0)}; }
 };
 
 /// The sizes given, and many more.

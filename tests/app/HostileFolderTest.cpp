@@ -41,6 +41,15 @@ struct HostileFolder : FolderTest
         TestImage thumb;
         return thumb.GetSize((mThumbs / name).c_str(), 0, 0) && thumb.mWidth == 192;
     }
+    static void MakeSocket(const std::string& path)
+    {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.copy(address.sun_path, sizeof address.sun_path - 1);
+        const int listener = socket(AF_UNIX, SOCK_STREAM, 0);
+        EXPECT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+        close(listener);
+    }
     std::map<std::string, std::string> Files() const
     {
         std::map<std::string, std::string> files;
@@ -65,35 +74,44 @@ TEST_F(HostileFolder, EntriesOfAnyKindAndNameHoldNothingUp)
     fs::create_symlink("/dev/zero", mGallery / "endless.jpg");
     fs::create_symlink("nowhere", mGallery / "dangling.jpg");
     WriteAll(mGallery / "empty.jpg", "");
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    (mGallery / "socket.jpg").string().copy(address.sun_path, sizeof address.sun_path - 1);
-    const int listener = socket(AF_UNIX, SOCK_STREAM, 0);
-    EXPECT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    close(listener);
+    fs::create_symlink("a b.jpg", mGallery / "linked.jpg");
+    MakeSocket(mGallery / "socket.jpg");
+    mkfifo((mThumbs / "tesselbase.txt").c_str(), 0600);
     EXPECT_EQ(Try().find("failed"), std::string::npos);
     for (const std::string& name : names)
         EXPECT_TRUE(HasThumb(name)) << name;
+    EXPECT_TRUE(HasThumb("linked.jpg"));
     EXPECT_EQ(std::distance(fs::directory_iterator(mThumbs), {}),
-              static_cast<std::ptrdiff_t>(names.size()) + 1);
+              static_cast<std::ptrdiff_t>(names.size()) + 2);
 }
 
 TEST_F(HostileFolder, NothingButTheGallerysFilesIsWritten)
 {
-    for (const char* name : {"linked.jpg", "hard.jpg", "fifo.jpg"})
+    WriteAll(mGallery / "wide.jpg", SampleJpeg(400, 2));
+    fs::create_symlink("nowhere", mThumbs / "wide.jpg");
+    Try(TESSEL_PROGRAM " -tsize 40000 .");  // there are no such thumbnails
+    EXPECT_TRUE(fs::is_symlink(mThumbs / "wide.jpg"));
+    fs::remove_all(mThumbs);
+    fs::remove(mGallery / "index.html");
+    fs::create_directory(mThumbs);
+
+    for (const char* name : {"linked.jpg", "hard.jpg", "fifo.jpg", "socket.jpg"})
         WriteAll(mGallery / name, mJpeg);
+    MakeSocket(mThumbs / "socket.jpg");
+    fs::create_directory(mFolder / "drafts");
+    fs::create_symlink(mFolder / "drafts", mThumbs / "tesselbase.txt.new");
     fs::create_symlink("../linked.jpg", mThumbs / "linked.jpg");
     fs::create_hard_link(mGallery / "hard.jpg", mThumbs / "hard.jpg");
     mkfifo((mThumbs / "fifo.jpg").c_str(), 0600);
     fs::create_symlink(mOutside, mGallery / "index.html");
     fs::create_symlink("/dev/zero", mThumbs / "tesselbase.txt");
     EXPECT_EQ(Try().find("failed"), std::string::npos);
-    for (const char* name : {"linked.jpg", "hard.jpg", "fifo.jpg"})
+    for (const char* name : {"linked.jpg", "hard.jpg", "fifo.jpg", "socket.jpg"})
         EXPECT_TRUE(HasThumb(name) && ReadAll(mGallery / name) == mJpeg) << name;
     EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(mGallery / "index.html")));
     EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(mThumbs / "tesselbase.txt")));
-
-    EXPECT_EQ(ReadAll(mOutside), "outside");
+    EXPECT_TRUE(ReadAll(mOutside) == "outside" && fs::is_empty(mFolder / "drafts"));
+    EXPECT_FALSE(fs::exists(mThumbs / "tesselbase.txt.new"));
 }
 
 TEST_F(HostileFolder, OnlyALinkToAThumbnailFolderIsFollowed)
@@ -193,14 +211,18 @@ TEST_F(HostileFolder, RunsWithinSmallLimits)
 {
     for (int i = 0; i < 50; ++i)
         WriteAll(mGallery / (std::to_string(i) + ".jpg"), mJpeg);
-    EXPECT_EQ(Try("ulimit -n 32; exec " TESSEL_PROGRAM " .").find("failed"), std::string::npos);
+    const std::string limit = "exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-; ulimit -n ";
+    EXPECT_EQ(Try(limit + "5; exec " TESSEL_PROGRAM " .").find("failed"), std::string::npos);
     EXPECT_TRUE(HasThumb("0.jpg") && HasThumb("49.jpg"));
     const auto expected = Files();
-    Try("ulimit -n 4; exec " TESSEL_PROGRAM " .");  // which the page takes up
+    // Three are the standard ones, and the page takes up the next.
+    EXPECT_TRUE(Try(limit + "4; exec " TESSEL_PROGRAM " .").starts_with("Reading "));
     EXPECT_TRUE(Files() == expected);
-    fs::remove_all(mThumbs);
-    EXPECT_EQ(Try("exec " TESSEL_PROGRAM " . <&- >&- 2>&-"), "");
-    EXPECT_TRUE(Files() == expected);
+    for (const char* closed : {">&-", "<&- >&- 2>&-"}) {
+        fs::remove_all(mThumbs);
+        EXPECT_EQ(Try(std::string("exec " TESSEL_PROGRAM " . ") + closed), "");
+        EXPECT_TRUE(Files() == expected) << closed;
+    }
     // Not every system has the limit, and sanitizers and emulators need more to start with.
     if (!Works("ulimit -v 60000 && " TESSEL_PROGRAM))
         return;
@@ -209,6 +231,10 @@ TEST_F(HostileFolder, RunsWithinSmallLimits)
     EXPECT_NE(output.find("Reading ./large.jpg\n"), std::string::npos);
     EXPECT_EQ(output.find("failed"), std::string::npos);
     EXPECT_FALSE(HasThumb("large.jpg"));
+    WriteAll(mGallery / "grown.jpg", mJpeg);
+    EXPECT_EQ(Try("ulimit -v 60000; exec " TESSEL_PROGRAM " -tsize 30000 .").find("failed"),
+              std::string::npos);
+    EXPECT_TRUE(!HasThumb("grown.jpg") && Try().empty());
 }
 
 TEST_F(HostileFolder, DatabasesOfAnythingAreReadAndHealed)
@@ -276,11 +302,27 @@ TEST_F(HostileFolder, AFolderThatCannotBeChangedIsLeftAsItIs)
     const std::string output = Try(command);
     EXPECT_TRUE(output.starts_with("Reading ./x.jpg\n") && Files() == before) << output;
     EXPECT_EQ(output.find("failed"), std::string::npos);
+    // But for its files that may be.
+    const fs::path page = mGallery / "index.html", dbase = mThumbs / "tesselbase.txt";
+    for (const fs::path& file : {page, dbase}) {
+        WriteAll(file, "");
+        fs::permissions(file, fs::perms(0666));
+    }
+    Try(command);
+    EXPECT_TRUE(ReadAll(dbase).find("x.jpg\t") == 0 && ReadAll(page).size() > 100);
+    WriteAll(page, "shared");
+    fs::create_hard_link(page, mFolder / "shared");
+    Try(command);
+    EXPECT_EQ(ReadAll(page), "shared");
+    // Nor is one that may be entered, and not listed.
+    fs::remove(page);
+    fs::permissions(mGallery, fs::perms(0333));
+    EXPECT_EQ(Try(command), "");
+    EXPECT_FALSE(fs::exists(page));
     fs::permissions(mGallery, fs::perms(0777));
     fs::permissions(mThumbs, fs::perms(0777));
 
     // Nor is a file of somebody else's that can't be written, or whose records can't be read.
-    const fs::path page = mGallery / "index.html", dbase = mThumbs / "tesselbase.txt";
     for (const int mode : {0444, 0222}) {
         for (const fs::path& file : {page, dbase}) {
             WriteAll(file, "old\t1\n");
@@ -307,4 +349,13 @@ TEST_F(HostileFolder, AFullDiskEndsTheRunAndTheNextGoesOn)
         << output;
     EXPECT_EQ(Try().find("failed"), std::string::npos);
     EXPECT_TRUE(HasThumb("noise.jpg"));
+
+    // Nor does a database that can't be written whole take the place of the old one.
+    std::string records;
+    for (int i = 10000; i < 12000; ++i)
+        records += std::to_string(i) + ".jpg\t1\n";
+    WriteAll(mThumbs / "tesselbase.txt", records + "noise.jpg\t99999999999\n");
+    const auto before = Files();
+    EXPECT_EQ(Try(full), "");
+    EXPECT_TRUE(Files() == before && !fs::exists(mThumbs / "tesselbase.txt.new"));
 }

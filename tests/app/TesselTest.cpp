@@ -99,9 +99,9 @@ TEST_F(Tessel, TakesSizeAndFolderFromTheCommandLine)
     Run(mTessel + ".");
     EXPECT_TRUE(ReadAll(mPage) == Page(".") && fs::exists(mDbase));
     const std::pair<std::string, int> rows[] = {
-        {"elsewhere .", 192},        {"-tsize 99 ./", 99}, {"-tsize 98px ./.", 98},
-        {"-TSIZE 80 .", 192},        {"-tsize=80 .", 192}, {"-tsize big .", 192},
-        {"-tsize 0 .", 192},         {"-tsize -5 .", 192}, {"-tsize -tsize 50 .", 50},
+        {"elsewhere .", 192},        {"-tsize 99 ./", 99},  {"-tsize 98px ./.", 98},
+        {"-TSIZE 80 .", 192},        {"-tsizes 80 .", 192}, {"-tsize big .", 192},
+        {"-tsize 0 .", 192},         {"-tsize -5 .", 192},  {"-tsize -tsize 50 .", 50},
         {"-tsize 9 -tsize 64 .", 64}};
     int count = 0;
     for (const auto& [arguments, width] : rows) {
@@ -118,6 +118,11 @@ TEST_F(Tessel, TakesSizeAndFolderFromTheCommandLine)
         EXPECT_EQ(thumb.GetShape(), Shape(width, width / 2, 24)) << arguments;
         EXPECT_EQ(ReadAll(mPage), Page(arguments.substr(arguments.find_last_of(" /") + 1)));
     }
+    fs::create_directory(mFolder / "70");  // which is both the size and the folder
+    WriteAll(mFolder / "70/x.jpg", SampleJpeg(200, 100));
+    Run(mTessel + "-tsize 70");
+    TestImage thumb;
+    EXPECT_TRUE(thumb.GetSize((mFolder / "70/tessel/x.jpg").c_str(), 0, 0) && thumb.mWidth == 70);
 }
 
 TEST_F(Tessel, WritesEachLineInOnePiece)
@@ -177,12 +182,16 @@ TEST_F(Tessel, RemakesWhatIsNewOrLater)
     EXPECT_EQ(made(), "a.jpg\n");
 
     // Whatever names have in common, and whatever records stand between theirs.
-    const Names names{"tog.jpg",
-                      "together.jpg",
-                      "together 1.jpg",
-                      "together 1.jpg.jpg",
-                      "together 12345678.jpg",
-                      "together 123456789.jpg"};
+    Names names{"tog.jpg",
+                "together.jpg",
+                "together 1.jpg",
+                "together 1.jpg.jpg",
+                "together 12345678.jpg",
+                "together 123456789.jpg",
+                "tog\xff.jpg",
+                "tog\x7f.jpg"};
+    for (char letter = 'a'; letter <= 'j'; ++letter)  // which differ beyond what is compared first
+        names.push_back(std::string("together 1234") + letter + ".jpg");
     for (const std::string& name : names)
         AddPicture(name, mJpeg, 5);
     made();
@@ -204,10 +213,13 @@ TEST_F(Tessel, ReadsAndHealsDatabases)
     for (const bool isNew : {true, false})
         EXPECT_EQ(tessel.TestFile(mFolder.c_str(), "new.jpg"), isNew);
     EXPECT_TRUE(tessel.TestFile(mFolder.c_str(), "missing.jpg"));
+    long time = 7;
+    EXPECT_FALSE(tessel.GetUnixFileTime("/no/where", &time));
+    EXPECT_EQ(time, 7);
     tessel.mFileInfoSet.insert({{"tab\t", 3}, {"feed\n", 3}, {"return\r", 3}});
     tessel.WriteDbase(mPath);
-    EXPECT_EQ(ReadAll(mFile), "\t7\nA\t0\nB\t" + kRecorded +
-                                  "\na\t1\nb\t2\nd\t0\nnew.jpg\t5\nx\t0\nz\t-5\n");
+    EXPECT_EQ(ReadAll(mFile),
+              "\t7\nA\t0\nB\t" + kRecorded + "\na\t1\nb\t2\nd\t0\nnew.jpg\t5\nx\t0\nz\t-5\n");
 }
 
 TEST_F(Tessel, GoesOnPastWhatFails)

@@ -5,7 +5,10 @@
 #include <memory>
 #include <vector>
 
+#include <array>
+#include <climits>
 #include "graflib/SinglePrecision.h"
+
 #include "tests/TestSupport.h"
 
 using Line = std::vector<float>;
@@ -34,7 +37,11 @@ TEST(CFilterBilinearFloat, EqualsTheDefinition)
 {
     static int calls = 0;
     // Running sums drift by whole columns and rows over the long sides.
-    for (const Sizes& sizes : WithRandomSizes({{60000, 1, 29989, 1}, {1, 60000, 1, 29989}})) {
+    for (const Sizes& sizes : WithRandomSizes({{60000, 1, 29989, 1},
+                                               {1, 60000, 1, 29989},
+                                               {3739, 1, 10254, 1},
+                                               {6492, 1, 16733, 1},
+                                               {1, 6492, 1, 16733}})) {
         const auto [width, height, newWidth, newHeight] = sizes;
         const int lineWidth = width + height % 3;
         Bytes source = Noise(lineWidth * height);
@@ -55,7 +62,27 @@ TEST(CFilterBilinearFloat, EqualsTheDefinition)
                           static_cast<int>(Rounded(sum / Rounded(filter.mScaleX * filter.mScaleY))))
                     << testing::PrintToString(sizes);
     }
-    EXPECT_EQ(calls, 2 * 302);
+    EXPECT_EQ(calls, 2 * 305);
+}
+
+TEST(CFilterBilinearFloat, RefusesWhatHasNoResultOrNoRoom)
+{
+    CFilterBilinearFloat<short, float> filter;
+    const auto scale = [&filter](int width, int height, int newWidth, int newHeight, int count) {
+        return OutputOf([&] {
+            EXPECT_EQ(nullptr, filter.DownScale(nullptr, width, height, newWidth, newHeight, count,
+                                                1, nullptr));
+        });
+    };
+    for (std::array<int, 5> sizes : {std::array{0, 1, 1, 1, 1},
+                                     {1, 0, 1, 1, 1},
+                                     {1, 1, 0, 1, 1},
+                                     {1, 1, 1, 0, 1},
+                                     {1, 1, 1, 1, 0}})
+        EXPECT_EQ(scale(sizes[0], sizes[1], sizes[2], sizes[3], sizes[4]), "");
+    const std::string x = "***** insufficent memory in DownScale mResultVectorX=NULL\n";
+    const std::string y = "***** insufficent memory in DownScale mResultVectorY=NULL\n";
+    EXPECT_EQ(scale(1, INT_MAX, INT_MAX, INT_MAX, 3), x + y);
 }
 
 TEST(CFilterBilinearFloat, StagesRunOnFieldsFilledByHand)

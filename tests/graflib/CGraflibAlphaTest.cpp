@@ -11,9 +11,13 @@ TEST(CGraflibAlpha, PartsPutTogetherAreTheWhole)
     EXPECT_EQ(OutputOf([&] { EXPECT_FALSE(alpha.SeparateAlpha(&image, &color)); }),
               "***** CGraflib::SeparateAlpha Bits=8\n");
     EXPECT_TRUE(color.Pixels() == Bytes({1, 2, 3, 5, 6, 7}) && alpha.Pixels() == Bytes({4, 8}));
+    const std::unique_ptr<unsigned char[]> oldColor(color.mData), oldAlpha(alpha.mData);
+    OutputOf([&] { EXPECT_TRUE(image.SeparateAlpha(&color, &alpha)); });  // the old stay the test's
+    EXPECT_TRUE(color.Pixels() == Bytes({1, 2, 3, 5, 6, 7}) && alpha.Pixels() == Bytes({4, 8}));
     EXPECT_TRUE(color.InterleaveAlpha(&alpha) && color.Pixels() == pixels);
     EXPECT_TRUE(color.InterleaveAlpha(&opaque) && color.mData[4] == 5 && color.mData[7] == 9);
     EXPECT_FALSE(alpha.InterleaveAlpha(&opaque));
+    EXPECT_FALSE(TestImage({1, 2, 16}, Bytes(4)).InterleaveAlpha(&opaque));
     for (const Shape& shape : {Shape{1, 2, 16}, Shape{2, 2, 8}, Shape{1, 1, 8}})
         EXPECT_FALSE(color.InterleaveAlpha(std::make_unique<TestImage>(shape, Bytes(4)).get()));
 
@@ -36,14 +40,31 @@ TEST(CGraflibAlpha, CombineCutsEachQuotientOrThrowsInOrder)
     TestImage above({4, 1, 32}, {7, 8, 7, 0, 1, 2, 3, 255, 200, 255, 0, 100, 1, 1, 1, 128});
     image.CombineWithAlpha(&above);
     EXPECT_EQ(image.Pixels(), Bytes({9, 9, 9, 1, 2, 3, 138, 100, 155, 0, 0, 0}));
-    const std::tuple<int, int, std::string> rows[] = {
-        {32, 24, "Datei muss 24 bit sein\nErrors: 6"},
-        {24, 24, "Datei muss 32 bit sein\nErrors: 5"},
-        {24, 32, "Groesse der Bitmaps verschieden\nErrors: 4"}};
-    above.mHeight = 9;
-    for (const auto& [bits, aboveBits, text] : rows) {
-        std::tie(image.mBits, above.mBits) = std::tie(bits, aboveBits);
+    const std::string size = "Groesse der Bitmaps verschieden\nErrors: 4";
+    const std::tuple<int, Shape, std::string> rows[] = {
+        {32, {4, 9, 24}, "Datei muss 24 bit sein\nErrors: 6"},
+        {24, {4, 9, 24}, "Datei muss 32 bit sein\nErrors: 5"},
+        {24, {4, 9, 32}, size},
+        {24, {5, 1, 32}, size}};
+    for (const auto& [bits, shape, text] : rows) {
+        image.mBits = bits;
+        std::tie(above.mWidth, above.mHeight, above.mBits) = shape;
         EXPECT_EQ(OutputOf([&] { image.CombineWithAlpha(&above); }),
                   "GLIB error: " + text + " CombineWithAlpha");
     }
+    image.mBits = 24;
+}
+
+TEST(CGraflibException, SaysWhatIsWrongWithWhat)
+{
+    const std::pair<int, const char*> rows[] = {{1, "x: can't be read"},
+                                                {2, "x: can't be written"},
+                                                {4, "x: the pictures differ in size"},
+                                                {5, "x: the other picture must have 32 bits"},
+                                                {6, "x: this picture must have 24 bits"}};
+    for (const auto& [code, text] : rows)
+        EXPECT_STREQ(CGraflibException(code, "x").what(), text);
+    for (const int code : {1, 2, 3, 7})
+        EXPECT_EQ(OutputOf([&] { throw CGraflibException(code, "x"); }),
+                  "Errors: " + std::to_string(code) + " x");
 }

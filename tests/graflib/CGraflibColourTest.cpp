@@ -16,11 +16,23 @@ TEST(CGraflibColour, RowsColoursAndIndicesChange)
         EXPECT_EQ(image.Pixels(), swapped);
     }
     CRgb palette[256] = {{9, 9, 9}};
-    palette[1] = {1, 2, 3};
-    const unsigned char alpha[256] = {0, 200};
-    TestImage rgb({2, 1, 8}, {1, 0}), rgba({2, 1, 8}, {1, 0});
-    rgb.ConvertPalToRGB(palette);
-    rgba.ConvertPalToRGBA(palette, alpha);
-    EXPECT_EQ(rgb.Pixels(), Bytes({1, 2, 3, 9, 9, 9}));
-    EXPECT_EQ(rgba.Pixels(), Bytes({1, 2, 3, 200, 9, 9, 9, 0}));
+    palette[255] = {1, 2, 3};
+    unsigned char alpha[256] = {};
+    alpha[255] = 200;
+    for (const int bits : {8, 16}) {  // the first bytes are indices, whatever the depth
+        TestImage rgb({2, 1, bits}, {255, 0, 7, 7}), rgba({2, 1, bits}, {255, 0, 7, 7});
+        rgb.ConvertPalToRGB(palette);
+        rgba.ConvertPalToRGBA(palette, alpha);
+        EXPECT_EQ(rgb.Pixels(), Bytes({1, 2, 3, 9, 9, 9}));
+        EXPECT_EQ(rgba.Pixels(), Bytes({1, 2, 3, 200, 9, 9, 9, 0}));
+    }
+    TestImage image({1, 1, 8}, {1});
+    {
+        const CPixelOwner owner(&image);
+    }
+    EXPECT_EQ(image.mData, nullptr);
+    for (const bool append : {true, false}) {
+        image.CGraflib::SetAppendMode(append);
+        EXPECT_EQ(image.mAppendMode, append);
+    }
 }

@@ -28,6 +28,13 @@ TEST(DownScaleLine2, HalvesEveryDepthInPlace)
     TestImage image({2, 1, 24}, {});
     Bytes lines{1, 10, 3, 1, 20, 3, 1, 11, 3, 1, 21, 3}, dest(3, 99);
     image.DownScaleLine2(lines.data(), dest.data(), 2, 6, 1);  // one component alone
+    for (const int bits : {8, 16}) {                           // where the component plays no role
+        Bytes line = lines, same(3, 99);
+        image.mBits = bits;
+        image.DownScaleLine2(line.data(), line.data(), 2, 2, 0);
+        image.DownScaleLine2(lines.data(), same.data(), 2, 2, 7);
+        EXPECT_TRUE(std::equal(line.data(), line.data() + bits / 8, same.data())) << bits;
+    }
     image.mBits = 1;
     EXPECT_EQ(OutputOf([&] { image.DownScaleLine2(lines.data(), dest.data(), 6); }),
               "***** Bitcount of 1 not supported in CGraflib::DownScaleLine2\n");

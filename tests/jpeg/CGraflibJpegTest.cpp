@@ -72,12 +72,14 @@ TEST_F(CGraflibJpegTest, FailedReadsThrowAndLeaveAnEmptyRecord)
     for (const char* message : {"", "Not a JPEG file: starts with 0x6e 0x6f\n"}) {
         const std::string error = std::string("Errors: ") + message + "1 " + mFile;
         TestImage size;
-        whole.mBits = lines.mBits = size.mBits = 24;
+        for (TestImage* image : {&whole, &lines, &size})
+            image->mWidth = image->mHeight = image->mBits = 24;  // left over
         EXPECT_EQ(OutputOf([&] { whole.Read(mPath, nullptr); }), error);
         EXPECT_EQ(OutputOf([&] { whole.Show(nullptr); }), "Width=0 Height=0 mBits=0 Data = NULL\n");
         EXPECT_EQ(OutputOf([&] { lines.OpenReadLine(mPath); }), error);
         OutputOf([&] { EXPECT_FALSE(size.GetSize(mPath, 0, 0)); });
-        EXPECT_FALSE(lines.ReadLine(line) || lines.mBits || size.mBits);
+        EXPECT_FALSE(lines.ReadLine(line));
+        EXPECT_TRUE(lines.GetShape() == Shape() && size.GetShape() == Shape());
         WriteAll(mFile, "not a picture");
     }
     WriteAll(mFile, SampleJpeg(9, 9));
@@ -89,21 +91,31 @@ TEST_F(CGraflibJpegTest, FailedReadsThrowAndLeaveAnEmptyRecord)
         EXPECT_EQ(OutputOf([&] { lines.CloseReadLine(); }), "");
         EXPECT_FALSE(lines.ReadLine(line));
     }
+    lines.OpenReadLine(mPath);  // left open: the image's end is its end
 }
 
 TEST_F(CGraflibJpegTest, WritesRefuseBeforeTheyTouchTheFile)
 {
-    const Shape shapes[] = {{1, 1, 0},     {0, 1, 24}, {1, 0, 24}, {32768, 1, 8},
-                            {1, 32768, 8}, {1, 1, 40}, {1, 1, 16}};
+    // Which are written whole, and which line by line.
+    const std::tuple<Shape, bool, bool> rows[] = {
+        {{1, 1, 0}, false, true},     {{1, 1, 16}, false, true},     {{1, 1, 40}, false, true},
+        {{0, 1, 24}, false, false},   {{1, 0, 24}, false, false},    {{-1, 1, 24}, false, false},
+        {{1, -1, 8}, false, false},   {{32767, 1, 8}, true, true},   {{1, 32767, 8}, true, true},
+        {{32768, 1, 8}, false, true}, {{1, 32768, 8}, false, true},  {{65500, 1, 8}, false, true},
+        {{1, 65500, 8}, false, true}, {{65501, 1, 8}, false, false}, {{1, 65501, 8}, false, false}};
     const std::string error = "Errors: 2 " + mFile;
-    TestImage image({}, Bytes(40000)), empty;
-    WriteAll(mFile, "as it was");
-    for (const Shape& shape : shapes) {
-        std::tie(image.mWidth, image.mHeight, image.mBits) = shape;
-        EXPECT_EQ(OutputOf([&] { image.Write(mPath, true, nullptr); }), error);
+    TestImage empty({1, 1, 24});
+    for (const auto& [shape, whole, lines] : rows) {
+        TestImage image(shape, Bytes(70000));
+        WriteAll(mFile, "as it was");
+        EXPECT_EQ(image.CanWrite(), whole);
+        EXPECT_EQ(OutputOf([&] { image.Write(mPath, true, nullptr); }), whole ? "" : error);
+        EXPECT_EQ(ReadAll(mFile) == "as it was", !whole);
+        WriteAll(mFile, "as it was");
+        EXPECT_EQ(OutputOf([&] { image.OpenWriteLine(mPath); }), lines ? "" : error);
+        EXPECT_EQ(ReadAll(mFile) == "as it was", !lines) << testing::PrintToString(shape);
     }
-    EXPECT_EQ(OutputOf([&] { empty.OpenWriteLine(mPath); }), error);
-    std::tie(empty.mWidth, empty.mHeight, empty.mBits) = Shape(1, 1, 24);
+    WriteAll(mFile, "as it was");
     EXPECT_EQ(OutputOf([&] { empty.Write(mPath, true, nullptr); }), error);
     EXPECT_EQ(ReadAll(mFile), "as it was");
     EXPECT_EQ(OutputOf([&] { empty.OpenWriteLine("/no/x"); }), "Errors: 2 /no/x");

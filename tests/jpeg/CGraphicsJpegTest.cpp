@@ -69,6 +69,20 @@ TEST_F(CGraphicsJpegTest, ClaimsBeyondTheLimitsCountAsDamaged)
         });
         EXPECT_TRUE(output.ends_with(message)) << side << ' ' << count << ' ' << output;
     }
+    // A pipe, whose length isn't known, is believed.
+    int pipes[2], shape[3];
+    ASSERT_EQ(pipe(pipes), 0);
+    std::string file = whole;
+    file.replace(size, 4, "\x16\xa1\x16\xa1");  // 5793
+    EXPECT_EQ(write(pipes[1], file.data(), file.size()), std::ssize(file));
+    close(pipes[1]);
+    const std::string path = "/dev/fd/" + std::to_string(pipes[0]);
+    OutputOf([&] {
+        const std::unique_ptr<unsigned char[]> pixels(
+            CGraphicsJpeg().ReadJpeg(path.c_str(), &shape[0], &shape[1], &shape[2]));
+        EXPECT_TRUE(pixels && shape[0] == 5793);
+    });
+    close(pipes[0]);
 }
 
 TEST_F(CGraphicsJpegTest, WhatIsOpenEndsWhereSomethingElseIsOpened)
@@ -96,6 +110,27 @@ TEST_F(CGraphicsJpegTest, WhatIsOpenEndsWhereSomethingElseIsOpened)
     EXPECT_FALSE(jpeg.OpenJpegWrite("/no/x", 20, 10, 75) || jpeg.WriteJpegLine(line));
 }
 
+TEST_F(CGraphicsJpegTest, SizesOf16BitsAreRightOr0)
+{
+    const std::tuple<int, int, bool> rows[] = {
+        {32767, 2, true}, {2, 32767, true}, {32768, 2, false}, {2, 32768, false}, {0, 0, false}};
+    for (const auto& [width, height, fits] : rows) {
+        WriteAll(mFile, width == 0 ? "text" : SampleJpeg(width, height, 1));
+        CGraphicsJpeg jpeg;
+        short sides[2] = {7, 7};
+        int components = 7;
+        OutputOf([&, &wanted = fits] {
+            EXPECT_EQ(jpeg.GetJpegSize(mPath, &sides[0], &sides[1], &components), wanted);
+        });
+        EXPECT_TRUE(sides[0] == (fits ? width : 0) && sides[1] == (fits ? height : 0)) << width;
+        EXPECT_EQ(components, fits ? 1 : 7);
+        OutputOf([&] { delete[] jpeg.ReadJpeg(mPath, &sides[0], &sides[1], 0); });
+        EXPECT_TRUE(sides[0] == static_cast<short>(width) &&
+                    sides[1] == static_cast<short>(height));
+        EXPECT_EQ(jpeg.mComponents, width == 0 ? 0 : 1);
+    }
+}
+
 TEST_F(CGraphicsJpegTest, WritesFilesAndStreamsOrEndsTheProcess)
 {
     const Bytes pixels = Noise(20 * 10 * 3);
@@ -111,6 +146,8 @@ TEST_F(CGraphicsJpegTest, WritesFilesAndStreamsOrEndsTheProcess)
     EXPECT_EQ(ReadAll(mFile), "front" + once);
     jpeg.write_JPEG_file(mPath, 75);
     EXPECT_EQ(ReadAll(mFile), once);
+    jpeg.WriteJpeg(mPath, 20, 10, pixels.data(), 1);  // coarse, and yet of 8 bits a coefficient
+    EXPECT_TRUE(ReadAll(mFile) == EncodeJpeg(20, 10, 3, pixels, 1));
     const auto one = testing::ExitedWithCode(1);
     EXPECT_EXIT(jpeg.write_JPEG_file("/no/x", 75), one, "can't open /no/x\n");
     EXPECT_EXIT(jpeg.WriteJpeg(mPath, 0, 1, pixels.data(), 75), one, "Empty JPEG");

@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <dlfcn.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -48,6 +49,7 @@ TEST_F(CFileIOTest, ReadLineEndsLinesAtLineFeedsAndDropsCarriageReturns)
             read.emplace_back();
         EXPECT_EQ(read, lines) << content;
         EXPECT_TRUE(mIO.IsEof() && !mIO.ReadLine(&read[0]) && read[0].empty());
+        EXPECT_TRUE(mIO.GetReadPos() == -1 && mIO.GetChar() == 0);  // until Clear
         mIO.Clear();
         EXPECT_TRUE(mIO.SetReadPos(0) && mIO.ReadLine(&first) == (lines.size() > 1));
         EXPECT_EQ(std::string(first.begin(), first.end()), lines[0]);
@@ -56,10 +58,39 @@ TEST_F(CFileIOTest, ReadLineEndsLinesAtLineFeedsAndDropsCarriageReturns)
     EXPECT_FALSE(mIO.ReadLine(&first));  // a folder opens, and reads as an empty file
 }
 
+TEST_F(CFileIOTest, WithoutAnOpenFileNothingHappens)
+{
+    // Never opened, failed for either direction, closed.
+    for (int state = 0; state < 4; ++state) {
+        std::string line("left over");
+        EXPECT_FALSE(mIO.ReadBytes(&mSize, 1) || mIO.WriteBytes("a", 1) || mIO.ReadBytes(1));
+        EXPECT_FALSE(mIO.ReadLine(&line) || mIO.SetReadPos(0) || mIO.SetReadPos2(0, 1));
+        EXPECT_TRUE(line.empty() && mIO.GetChar() == 0 && mSize == 0) << state;
+        EXPECT_TRUE(mIO.GetReadPos() == -1 && mIO.GetWritePos() == -1) << state;
+        EXPECT_EQ(mIO.IsEof(), state == 0 || state == 3);
+        mIO.SkipBytes(1);
+        mIO.SetWritePos(1);
+        mIO.SetWritePosEnd();
+        mIO.Clear();
+        mIO.CloseFile();
+        EXPECT_FALSE(mIO.mReadOk || mIO.mWriteOk);
+        if (state == 2) {
+            EXPECT_TRUE(mIO.OpenFileWrite(mPath, 0) && mIO.OpenFileRead(mPath, 0));
+            mIO.CloseFile();
+            EXPECT_EQ(mIO.mStream, nullptr);
+        } else if (state == 0) {
+            EXPECT_FALSE(mIO.OpenFileChange(mPath, 0) || mIO.FileExists(mPath));
+            mIO.mReadOk = true;  // which a failed open takes back
+            EXPECT_FALSE(mIO.OpenFileRead("/no/where", CFileIO::kBinary));
+        } else {
+            mIO.mWriteOk = true;
+            EXPECT_FALSE(mIO.OpenFileWrite("/no/where", CFileIO::kBinary));
+        }
+    }
+}
+
 TEST_F(CFileIOTest, ReadsAndWritesAtPositions)
 {
-    EXPECT_FALSE(mIO.ReadBytes(&mSize, 1) || mIO.WriteBytes("a", 1) || mIO.ReadBytes(1));
-    EXPECT_FALSE(mIO.OpenFileChange(mPath, 0) || mIO.FileExists(mPath));
     EXPECT_TRUE(mIO.OpenFileAppend(mPath, CFileIO::kBinary) && mIO.WriteString("01234"));
     EXPECT_TRUE(mIO.OpenFileAppend(mPath, CFileIO::kBinary) && mIO.WriteString("56789"));
     EXPECT_TRUE(mIO.GetWritePos() == 10 && mIO.OpenFileChange(mPath, 2) && mIO.WriteString("XY"));
@@ -70,12 +101,28 @@ TEST_F(CFileIOTest, ReadsAndWritesAtPositions)
     mIO.SkipBytes(-2);
     EXPECT_TRUE(mIO.GetReadPos() == 3 && !mIO.SetReadPos2(-1, 2));  // position 9 isn't offset -1
     char rest[8] = {};
-    EXPECT_TRUE(mIO.GetChar() == '9' && mIO.SetReadPos2(8, 0) && !mIO.SetReadPos2(0, 9));
+    EXPECT_TRUE(mIO.GetChar() == '9' && mIO.SetReadPos2(6, 0) && !mIO.SetReadPos2(2, 1));
+    EXPECT_TRUE(mIO.GetReadPos() == 8 && !mIO.SetReadPos2(0, 3) && mIO.ReadBytes(rest, -1));
+    EXPECT_TRUE(!mIO.ReadBytes(-1) && Own(mIO.ReadBytes(0)) && mIO.GetReadPos() == 8);
     EXPECT_TRUE(mIO.ReadBytes(rest, 8) && mIO.IsEof() && std::string(rest) == "89");
-    EXPECT_FALSE(mIO.OpenFileRead("/no/where", CFileIO::kBinary) || mIO.ReadBytes(rest, 1));
+    // The bits of modes: into what is there, from its end, and with nothing left of it.
+    EXPECT_TRUE(mIO.OpenFileWrite(mPath, CFileIO::kRead | CFileIO::kAtEnd));
+    EXPECT_EQ(mIO.GetWritePos(), 10);
+    mIO.SetWritePos(0);
+    EXPECT_TRUE(mIO.WriteString("A"));
+    mIO.SetWritePosEnd();
+    EXPECT_TRUE(mIO.WriteString("Z") && mIO.WriteBytes("no", -1));
+    mIO.CloseFile();
+    EXPECT_EQ(ReadAll(mFile), "A1XY456789Z");
+    EXPECT_TRUE(mIO.OpenFileWrite(mPath, CFileIO::kRead | CFileIO::kTruncate));
+    EXPECT_EQ(ReadAll(mFile), "");
     EXPECT_TRUE(mIO.WriteFile(mPath, "a\0c", 3) && mIO.GetFileSize(mPath) == 3);
-    EXPECT_EQ(truncate(mPath, off_t{5} << 30), 0);  // more than an int counts
+    for (const off_t more : {0, 1}) {  // as much as an int counts, and more
+        EXPECT_EQ(truncate(mPath, INT_MAX + more), 0);
+        EXPECT_EQ(mIO.GetFileSize(mPath), more == 0 ? INT_MAX : -1);
+    }
     EXPECT_TRUE(!mIO.ReadFile(mPath, &mSize) && mSize == -1 && mIO.FileExists(mPath));
+    EXPECT_FALSE(mIO.mStream || CFileIO::GetFileSize("/no/where") != -1);
 }
 
 TEST_F(CFileIOTest, ResolveWildCardMatchesEndsOfNames)
@@ -86,7 +133,9 @@ TEST_F(CFileIOTest, ResolveWildCardMatchesEndsOfNames)
     const std::pair<std::string, Names> rows[] = {
         {"*.jpg", {".jpg", "B.JPG", "a.jpg", "f.Jpg"}},
         {"JPG", {".jpg", "B.JPG", "a.jpg", "f.Jpg", "jpg"}},
-        {"*a*c", {}}};
+        {"*",
+         {".", "..", ".jpg", "B.JPG", "a.jpg", "d.jpeg", "e.jpg.bak", "f.Jpg", "jpg", "xjpgx"}},
+        {"**.jpg", {}}};
     Names names{"left over"};
     for (const auto& [pattern, expected] : rows) {
         EXPECT_TRUE(mIO.ResolveWildCard(mFolder.c_str(), pattern.c_str(), &names));
@@ -104,7 +153,13 @@ TEST_F(CFileIOTest, ResolveWildCardMatchesEndsOfNames)
               "CFileIO::ResolveWildCard Dir=" + mFolder.string() + " Wildcard=*.bak\n");
     EXPECT_TRUE(mSize == 1 && std::string(list[0]) == "e.jpg.bak" && !list[1]);
     mIO.DeleteStringList(list);
+    mIO.DeleteStringList(nullptr);
     OutputOf([&] { EXPECT_FALSE(mIO.ResolveWildCard(mFolder.c_str(), "none", &mSize) || mSize); });
+    const mode_t mask = umask(0);
+    const std::string made = mFolder / "made";
+    EXPECT_TRUE(CFileIO::CreateDir(made.c_str()) && CFileIO::CreateDir(made.c_str()));
+    EXPECT_EQ(fs::status(made).permissions(), fs::perms(0775));
+    umask(mask);
 }
 
 TEST_F(CFileIOTest, NamesAndNumbers)
@@ -114,6 +169,10 @@ TEST_F(CFileIOTest, NamesAndNumbers)
         {"a\\b/c", "c", "a\\", "a\\b/c.x", 0},
         {"a/b\\c.gif", "b\\c.gif", "a/b\\", "a/b\\c.x", 6},
         {".jpg", ".jpg", ".jpg", ".x", 0},
+        {"a.raw", "a.raw", "a.raw", "a.x", 5},
+        {"a\\b.tga", "b.tga", "a\\", "a\\b.x", 4},
+        {"x.tiff", "x.tiff", "x.tiff", "x.x", 0},
+        {"x.tif", "x.tif", "x.tif", "x.x", 2},
         {"x.y.pNg", "x.y.pNg", "x.y.pNg", "x.y.x", 3}};
     for (const auto& [path, name, directory, replaced, format] : rows) {
         EXPECT_STREQ(Own(CFileIO::ExtractFilename(path)).get(), name);
@@ -122,6 +181,11 @@ TEST_F(CFileIOTest, NamesAndNumbers)
         EXPECT_EQ(CFileIO::GuessFileFormat(path), format) << path;
     }
     EXPECT_FALSE(CFileIO::Strcmpx("abc", "abcd") || CFileIO::Strcmpx(nullptr, nullptr));
+    EXPECT_FALSE(CFileIO::Strcmpx("[", "{") || CFileIO::Strcmpx("", nullptr));
+    EXPECT_TRUE(!CFileIO::Strcmpx(nullptr, "") && CFileIO::FileAttribut("/no/where") == 1);
+    char buffer[13] = "<";
+    EXPECT_STREQ(CFileIO::Fill0(buffer + 1, 1234, 3), "1234");
+    EXPECT_EQ(buffer[0], '<');
     EXPECT_STREQ(CFileIO::Fill0(-5, 4), "00-5");
     EXPECT_STREQ(CFileIO::Fill0(INT_MIN, 1000), "0000-2147483648");
     EXPECT_TRUE(CFileIO::GetInt(" 42abc") == 42 && CFileIO::GetInt(nullptr) == 0);
