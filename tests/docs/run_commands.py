@@ -23,8 +23,7 @@ PICTURES = ["photos/beach.jpg", "photos/2023/harbour.JPG", "photos/it's summer/l
 SUBSTITUTES = [
     # They install packages, and script/test would run this again.
     (r"script/(\w+).*", r"bash -n script/\1"),
-    # The tests and examples would take minutes, and are built by whoever runs this.
-    (r"cmake -S \. -B build", r"\g<0> -DTESSEL_TESTS=OFF -DTESSEL_EXAMPLES=OFF"),
+    (r"sudo apt-get install .*", "true"),
     # There may be no service manager.
     (r"systemctl --user .*",
      "systemd-analyze --user verify ~/.config/systemd/user/tessel.{service,timer}"),
