@@ -29,12 +29,7 @@ void ReadThumb(CGraflibJpeg& image, const char* source, int size)
         height = ShorterSide(size, image.mHeight, image.mWidth);
     else
         width = ShorterSide(size, image.mWidth, image.mHeight);
-    if (image.DownScaleLines(source, width, height))
-        return;
-    // What can't be scaled row by row, such as a picture of five components, may not be at all.
-    image.Read(source, nullptr);
-    image.Show(source);
-    image.DownScaleFix2(width, height);
+    image.DownScaleLines(source, width, height);
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 #include <opencv2/imgproc.hpp>
 
-#include "bench/ScalerDefinition.h"
+#include "bench/Operations.h"
 
-void ScaleByOpenCv(const CDataRect& source, int width, int height, unsigned char* dest)
+void ScaleByOpenCv(CGraflib& source, int width, int height, unsigned char* dest)
 {
     cv::setNumThreads(1);
     const cv::Mat from(source.mHeight, source.mWidth, CV_8UC3, source.mData);

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "bench/ScalerDefinition.h"
+#include "tests/graflib/PixelByPixel.h"
 
 namespace {
 
@@ -36,7 +36,13 @@ void Scale(SWork& work, unsigned char* /*buffer*/)
     work.mImage.DownScaleFix2(size.mWidth, size.mHeight);
 }
 
-using Scaler = void (*)(const CDataRect& source, int width, int height, unsigned char* dest);
+using Scaler = void (*)(CGraflib& source, int width, int height, unsigned char* dest);
+
+/// Every pixel by itself, as it is defined.
+void ScaleByDefinition(CGraflib& source, int width, int height, unsigned char* dest)
+{
+    ScalePixelByPixel(source, width, height, dest);
+}
 
 template <Scaler SCALER, int LONGER>
 void ScaleInto(SWork& work, unsigned char* buffer)

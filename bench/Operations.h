@@ -20,6 +20,10 @@ std::span<const SOperation> Operations();
 /// The scaler and what it is compared with.
 std::span<const SOperation> ScalerOperations();
 
+/// Scales a picture into `dest` by OpenCV's INTER_AREA on one thread. Exists where OpenCV is
+/// installed.
+void ScaleByOpenCv(CGraflib& source, int width, int height, unsigned char* dest);
+
 /// Copies the pictures an operation reads.
 void CopySources(SWork& work, unsigned char* buffer);
 

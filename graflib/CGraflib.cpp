@@ -2,6 +2,17 @@
 
 #include <iostream>
 
+#include "graflib/PixelWalk.h"
+
+void ShowRecord(const char* name, const CDataRect& record)
+{
+    if (name)
+        std::cout << name << ' ';
+    std::cout << "Width=" << record.mWidth << " Height=" << record.mHeight
+              << " mBits=" << record.mBits << (record.mData ? " Data != NULL" : " Data = NULL")
+              << std::endl;
+}
+
 void CGraflib::SetAppendMode(bool append)
 {
     mAppendMode = append;
@@ -9,10 +20,7 @@ void CGraflib::SetAppendMode(bool append)
 
 void CGraflib::Show(const char* name)
 {
-    if (name)
-        std::cout << name << ' ';
-    std::cout << "Width=" << mWidth << " Height=" << mHeight << " mBits=" << mBits
-              << (mData ? " Data != NULL" : " Data = NULL") << std::endl;
+    ShowRecord(name, *this);
 }
 
 void CGraflib::ShowGlibError(CGraflibException& e)

@@ -11,8 +11,6 @@ class CFileIO;
 struct SFileReadInfo;
 template <int SHIFT, typename Tpixel>
 struct SScaleParams;
-template <int SHIFT, typename Tpixel>
-struct SRowSums;
 
 /// The abstract image: a record (see CDataRect for its layout and who owns its buffer), the
 /// operations on it, and the slots for reading and writing files that a class for one file format
@@ -67,29 +65,22 @@ public:
     /// bits are used; from sixteen on, this may darken the result slightly.
     ///
     /// Returns the new buffer, which is then mData. Returns null and leaves the image as it was
-    /// for another depth (after a line beginning "***** "), an empty image, a target side below 1,
-    /// a source side above 2^29 and 2^22 source rows to a destination row. Writes "ScaleFakt=", the
-    /// area ratio (24 bits only), and "sizeof(Tpixel)=", the bytes of a pixel, a line each.
+    /// for another depth (after a line beginning "***** "), an empty image, a target side below 1
+    /// and a source side above 2^29. Writes "ScaleFakt=", the area ratio (24 bits only), and
+    /// "sizeof(Tpixel)=", the bytes of a pixel, a line each.
     unsigned char* DownScaleFix2(int width, int height);
 
-    /// Makes the picture that OpenReadLine has opened `width` x `height` while it is read: the same
-    /// result as Read and DownScaleFix2 give, for the memory of a few rows. The record must hold no
-    /// buffer. Writes what Show(name) and DownScaleFix2 write, once all rows are read, and closes
-    /// the file. Throws GLIB_ERR_READ with `name` when a row can't be read; the record then still
-    /// has no buffer. Returns null, with nothing read or written, where DownScaleFix2 does, and for
-    /// a picture enlarged so much that a pixel's footprint vanishes.
-    unsigned char* DownScaleLines(const char* name, int width, int height);
-
     /// The walk over the destination pixels, in row order: fills `dest` with `width` x `height`
-    /// pixels made from this image, which must have the depth of Tpixel and isn't changed.
-    /// Writes the line "sizeof(Tpixel)=". A `width` or `height` below 1 fills nothing.
+    /// pixels made from this image, which must have the depth of Tpixel and isn't changed: those
+    /// that GetScaledPicturePixel makes one by one. Writes the line "sizeof(Tpixel)=". A `width` or
+    /// `height` below 1 fills nothing.
     template <int SHIFT, typename Tfix, typename Tpixel>
     void DownScalePicture(Tpixel* dest, int width, int height);
 
-    /// Works out destination pixel (x, y) and writes it to `params->mDest`, which it leaves there.
-    /// Right for any pixel in any order, fast for a whole row after the other. See
-    /// graflib/FixedPointTypes.h for the record; both templates exist for SHIFT 16, 8, 4 and 2 with
-    /// CPixel1fixT for 8 and 16 bits, CPixel3fixT for 24 and CPixel4fixT for 32 bits.
+    /// Works out destination pixel (x, y) from this image and writes it to `params->mDest`, which
+    /// it leaves there. Right for any pixel in any order, and slow. See graflib/FixedPointTypes.h
+    /// for the record; both templates exist for SHIFT 16, 8, 4 and 2 with CPixel1fixT for 8 and 16
+    /// bits, CPixel3fixT for 24 and CPixel4fixT for 32 bits.
     template <int SHIFT, typename Tfix, typename Tpixel>
     void GetScaledPicturePixel(SScaleParams<SHIFT, Tpixel>* params, int x, int y);
 
@@ -155,17 +146,14 @@ protected:
     unsigned char* ReplaceBuffer(std::unique_ptr<unsigned char[]> pixels, int width, int height,
                                  int bits);
 
+    /// Makes the picture that OpenReadLine has opened `width` x `height` while it is read: the same
+    /// result as Read, Show(name) and DownScaleFix2 give, and the same words, written once all rows
+    /// are read; but in the memory of a few rows. `opened` has the picture's size and depth. Closes
+    /// the file. Throws GLIB_ERR_READ with `name` when a row can't be read, leaving the record as
+    /// it was.
+    unsigned char* DownScaleLines(const CDataRect& opened, const char* name, int width, int height);
+
 private:
-    /// Works out pixel x of a row whose sums are at hand; the footprint's area must not vanish.
-    template <int SHIFT, typename Tfix, typename Tpixel>
-    static void GetScaledPicturePixel(const SRowSums<SHIFT, Tpixel>& row, int x, Tpixel* dest);
-    template <int SHIFT, typename Tfix, typename Tpixel>
-    void DownScaleRow(SScaleParams<SHIFT, Tpixel>* params, int y);
-    template <int SHIFT, typename Tfix, typename Tpixel>
-    bool DownScaleBand(const char* name, Tpixel* dest, int width, int height);
-    template <template <int> class Tfix, typename Tpixel>
-    unsigned char* DownScaleDepth(int width, int height, const char* linesOf);
-    unsigned char* DownScaleAnyDepth(int width, int height, const char* linesOf);
     template <typename Tsample>
     unsigned char* DownScaleFloat(int width, int height);
 };

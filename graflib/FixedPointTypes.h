@@ -2,11 +2,11 @@
 #define TESSEL_GRAFLIB_FIXEDPOINTTYPES_H
 
 #include <cstdint>
-#include <type_traits>
-#include <vector>
+
+#include "graflib/CDataRect.h"
 
 /// The number, accumulator and parameter types of the fixed-point scaler CGraflib::DownScaleFix2.
-/// All are plain values; a parameter record is used by one thread at a time.
+/// All are plain values that own nothing; threads need no care.
 
 /// A number with SHIFT fraction bits in 32 bits.
 template <int SHIFT>
@@ -31,55 +31,37 @@ struct CFixT
     }
 
     /// The product with all its bits.
-    static std::int64_t WideProduct(CFixT a, CFixT b)
-    {
-        return (std::int64_t{a.mValue} * b.mValue) >> SHIFT;
-    }
+    static std::int64_t WideProduct(CFixT a, CFixT b) { return Multiply(a.mValue, b.mValue); }
+    static std::int64_t Multiply(std::int64_t a, std::int64_t b) { return (a * b) >> SHIFT; }
 
     std::int32_t Integer() const { return mValue >> SHIFT; }
     std::int32_t Fraction() const { return mValue & kMask; }
 };
 
-/// A footprint's area, by which the sums of a picture's samples are divided.
-///
-/// A quotient with SHIFT fraction bits, halves rounded up, is floor((2 * sum + area) / (2 * area))
-/// for sums from 0 on. This division is a product with the reciprocal, rounded up: that adds less
-/// than dividend / 2^64, and a quotient by 2 * area is at least 1 / (2 * area) short of the next
-/// whole number, so the result is exact while dividend * 2 * area stays below 2^64.
+/// The source columns or rows, first to last, under a destination column or row number `index`, and
+/// how much of each is covered. Nothing is where `step` is 0.
 template <int SHIFT>
-class CAreaT
+struct SSpanT
 {
-public:
-    CAreaT() = default;
-    explicit CAreaT(std::int64_t area) : mArea(area)
+    int mFirst;
+    int mLast;
+    std::int32_t mFirstWeight;
+    std::int32_t mLastWeight;  ///< the same as mFirstWeight where there is but one
+
+    SSpanT(int index, CFixT<SHIFT> step)
     {
-        if (area != 0)
-            mReciprocal = ~std::uint64_t{0} / static_cast<std::uint64_t>(2 * area) + 1;
+        const std::int32_t start = index * step.mValue;
+        const std::int32_t end = start + step.mValue;
+        mFirst = start >> SHIFT;
+        mLast = (end - 1) >> SHIFT;
+        mFirstWeight = mLast > mFirst ? (mFirst + 1) * CFixT<SHIFT>::kOne - start : step.mValue;
+        mLastWeight = mLast > mFirst ? end - mLast * CFixT<SHIFT>::kOne : step.mValue;
     }
 
-    bool IsZero() const { return mArea == 0; }
-
-    /// The mean of samples of type Tsample whose weighted sum is `sum`.
-    template <typename Tsample>
-    Tsample Mean(std::int64_t sum) const
+    std::int32_t Weight(int i) const
     {
-        // The sum is at most the area times the largest sample, which bounds the dividend.
-        constexpr std::int64_t kExact = sizeof(Tsample) == 1 ? 1 << 27 : 1 << 23;
-        if ((std::is_signed_v<Tsample> && sum < 0) || mArea >= kExact)
-            return static_cast<Tsample>(LongMean(sum));
-        __extension__ using Wide = unsigned __int128;
-        const Wide dividend = static_cast<std::uint64_t>(2 * sum + mArea);
-        return static_cast<Tsample>(dividend * mReciprocal >> 64);
+        return i == mFirst ? mFirstWeight : i == mLast ? mLastWeight : CFixT<SHIFT>::kOne;
     }
-
-private:
-    std::int64_t LongMean(std::int64_t sum) const
-    {
-        return (sum * CFixT<SHIFT>::kOne / mArea + CFixT<SHIFT>::kHalf) >> SHIFT;
-    }
-
-    std::int64_t mArea = 0;
-    std::uint64_t mReciprocal = 0;
 };
 
 /// One accumulator per component of a pixel. 64 bits, because 32 would overflow with 16-bit
@@ -89,26 +71,26 @@ struct CPixelNfixT
 {
     std::int64_t mSums[COUNT] = {};
 
-    void Clear()
-    {
-        for (std::int64_t& sum : mSums)
-            sum = 0;
-    }
+    void Clear() { *this = {}; }
 
     /// Adds a source pixel's samples times `weight`.
     template <typename Tsample>
-    void Add(const Tsample* samples, std::int32_t weight)
+    void Add(const Tsample* samples, std::int64_t weight)
     {
         for (int k = 0; k < COUNT; ++k)
-            mSums[k] += std::int64_t{weight} * samples[k];
+            mSums[k] += weight * samples[k];
     }
 
     /// Writes each sum divided by the footprint's area, halves rounded up.
     template <typename Tpixel>
-    void Store(const CAreaT<SHIFT>& area, Tpixel* dest) const
+    void Store(std::int64_t area, Tpixel* dest) const
     {
-        for (int k = 0; k < COUNT; ++k)
-            dest->mSamples[k] = area.template Mean<typename Tpixel::Sample>(mSums[k]);
+        using Fix = CFixT<SHIFT>;
+        for (int k = 0; k < COUNT; ++k) {
+            const std::int64_t quotient = mSums[k] * Fix::kOne / area;
+            dest->mSamples[k] =
+                static_cast<typename Tpixel::Sample>((quotient + Fix::kHalf) >> SHIFT);
+        }
     }
 };
 
@@ -119,77 +101,26 @@ using CPixel3fixT = CPixelNfixT<SHIFT, 3>;
 template <int SHIFT>
 using CPixel4fixT = CPixelNfixT<SHIFT, 4>;
 
-/// The source rows under one destination row, summed up once and then used by all its pixels.
-/// Sums are per sample: `width * components` of them.
-template <typename Tsample>
-struct SCollapsedRows
-{
-    /// Twice as wide as a sample: room for the sum of kRowsPerPart samples.
-    using Part = std::conditional_t<sizeof(Tsample) == 1, std::uint16_t, std::int32_t>;
-    static constexpr int kRowsPerPart = 256;
-    using Total = std::conditional_t<sizeof(Tsample) == 1, std::uint32_t, std::int64_t>;
-
-    int mY = -1;                       ///< the destination row; -1 while there is none
-    const Tsample* mTop = nullptr;     ///< the first row, of which mTopWeight is covered
-    const Tsample* mBottom = nullptr;  ///< the last row, of which mBottomWeight is covered
-    std::int32_t mTopWeight = 0;
-    std::int32_t mBottomWeight = 0;
-    std::vector<Part> mPart;       ///< work space: the sum of up to kRowsPerPart rows
-    std::vector<Total> mFull;      ///< the sum of the rows between top and bottom
-    std::vector<Total> mWeighted;  ///< the sum of all rows, each times its weight
-};
-
-/// What CGraflib::DownScalePicture works out once and CGraflib::GetScaledPicturePixel uses for
-/// every pixel. A record belongs to one picture whose pixels don't change meanwhile.
+/// What the destination pixels of a picture share, for CGraflib::GetScaledPicturePixel.
 template <int SHIFT, typename Tpixel>
 struct SScaleParams
 {
-    int mSrcWidth = 0;        ///< in pixels
-    int mSrcHeight = 0;       ///< in rows
-    CFixT<SHIFT> mStepX;      ///< source columns per destination column
-    CFixT<SHIFT> mStepY;      ///< source rows per destination row
-    CFixT<SHIFT> mArea;       ///< source pixels per destination pixel
-    Tpixel* mDest = nullptr;  ///< the destination pixel that the next call writes
-
-    CAreaT<SHIFT> mDivisor;  ///< mArea without its limit to 32 bits; renewed with mRows
-    int mDestWidth = 0;      ///< in pixels; the target size matters only where mArea vanishes
-    int mDestHeight = 0;
-    SCollapsedRows<typename Tpixel::Sample> mRows;
-    /// The source row mBandRow and those behind it, where rows come one by one; null where all of
-    /// them are in the image's buffer.
-    const typename Tpixel::Sample* mBand = nullptr;
-    int mBandRow = 0;
+    std::int32_t mSrcWidth = 0;   ///< in pixels
+    std::int32_t mSrcHeight = 0;  ///< in rows
+    CFixT<SHIFT> mStepX;          ///< source columns per destination column
+    CFixT<SHIFT> mStepY;          ///< source rows per destination row
+    CFixT<SHIFT> mArea;           ///< source pixels per destination pixel: mStepX * mStepY
+    Tpixel* mDest = nullptr;      ///< the destination pixel that the next call writes
 };
 
-/// What the pixels of one destination row share. Made for each row and held by value: a record
-/// behind a pointer would have to be read again for every pixel, as the bytes stored for the one
-/// before may be anything, and that took a seventh of the time.
+/// The record for scaling a picture to `width` x `height`, beginning with the pixel `dest`.
 template <int SHIFT, typename Tpixel>
-struct SRowSums
+SScaleParams<SHIFT, Tpixel> MakeScaleParams(const CDataRect& source, Tpixel* dest, int width,
+                                            int height)
 {
-    using Sample = typename Tpixel::Sample;
-    using Total = typename SCollapsedRows<Sample>::Total;
-
-    explicit SRowSums(const SScaleParams<SHIFT, Tpixel>& params)
-        : mFull(params.mRows.mFull.data()),
-          mWeighted(params.mRows.mWeighted.data()),
-          mTop(params.mRows.mTop),
-          mBottom(params.mRows.mBottom),
-          mTopWeight(params.mRows.mTopWeight),
-          mBottomWeight(params.mRows.mBottomWeight),
-          mStepX(params.mStepX),
-          mDivisor(params.mDivisor)
-    {
-    }
-
-    const Total* mFull;
-    const Total* mWeighted;
-    const Sample* mTop;
-    const Sample* mBottom;
-    std::int32_t mTopWeight;
-    std::int32_t mBottomWeight;
-    CFixT<SHIFT> mStepX;
-    CAreaT<SHIFT> mDivisor;
-};
+    const CFixT<SHIFT> stepX(source.mWidth, width);
+    const CFixT<SHIFT> stepY(source.mHeight, height);
+    return {source.mWidth, source.mHeight, stepX, stepY, stepX * stepY, dest};
+}
 
 #endif

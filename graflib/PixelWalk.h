@@ -1,8 +1,8 @@
 #ifndef TESSEL_GRAFLIB_PIXELWALK_H
 #define TESSEL_GRAFLIB_PIXELWALK_H
 
-// What the operations on whole pictures share: the walk over a buffer as pixels, and a new buffer
-// of pixels for a picture of the same size. Not for users of the library.
+// What the operations on whole pictures share: the walk over a buffer as pixels, a new buffer of
+// pixels for a picture of the same size, and the line on a record. Not for users of the library.
 
 #include <cstddef>
 #include <memory>
@@ -12,6 +12,9 @@
 #include "graflib/CDataRect.h"
 #include "graflib/PixelTypes.h"
 #include "util/SizeProduct.h"
+
+/// Writes the line of CGraflib::Show for any record.
+void ShowRecord(const char* name, const CDataRect& record);
 
 /// The pixels of a record, rows from the top, as values of its depth's type.
 template <typename Tpixel>

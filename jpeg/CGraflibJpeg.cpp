@@ -97,6 +97,7 @@ bool CGraflibJpeg::OpenReadLine(const char* fileName)
         mWidth = mHeight = mBits = 0;
         throw CGraflibException(GLIB_ERR_READ, fileName);
     }
+    mOpened = *this;
     return true;
 }
 
@@ -109,6 +110,11 @@ void CGraflibJpeg::CloseReadLine()
 {
     if (mLineJpeg)
         mLineJpeg->CloseJpegLines();
+}
+
+unsigned char* CGraflibJpeg::DownScaleLines(const char* name, int width, int height)
+{
+    return CGraflib::DownScaleLines(mOpened, name, width, height);
 }
 
 bool CGraflibJpeg::OpenWriteLine(const char* fileName)

@@ -57,6 +57,12 @@ public:
     bool ReadLine(void* line) override;
     /// Ends the read, at the last row or before.
     void CloseReadLine() override;
+    /// Makes the picture that OpenReadLine has opened `width` x `height` while it is read: the same
+    /// pixels as Read and DownScaleFix2 give, for the memory of a few rows, in place of the buffer
+    /// that the record holds. Writes what Read, Show(name) and DownScaleFix2 write, and closes the
+    /// file. Returns the new buffer, or null where DownScaleFix2 does. Throws GLIB_ERR_READ with
+    /// `name` when a row can't be read, leaving the record as it was.
+    unsigned char* DownScaleLines(const char* name, int width, int height);
 
     /// Opens a file for mHeight calls of WriteLine, of rows of mWidth pixels. True; throws
     /// GLIB_ERR_WRITE when the file can't be opened, and, without touching it, for sides outside 1
@@ -79,6 +85,8 @@ public:
 private:
     CGraphicsJpeg& LineJpeg();
     void ReleaseLineJpeg();
+
+    CDataRect mOpened;  // size and depth of the picture that is read
 };
 
 #endif

@@ -77,7 +77,8 @@ inline std::vector<Sizes> WithRandomSizes(std::vector<Sizes> sizes)
     return sizes;
 }
 
-/// Encodes pixels of 1 (grey), 3 (RGB) or 4 (CMYK) components with libjpeg's defaults.
+/// Encodes pixels of 1 (grey), 3 (RGB), 4 (CMYK) or more components with libjpeg's defaults; more
+/// than four need the scans of a progressive file.
 inline std::string EncodeJpeg(int width, int height, int components, const Bytes& pixels,
                               int quality = 80, bool progressive = false)
 {
@@ -91,7 +92,10 @@ inline std::string EncodeJpeg(int width, int height, int components, const Bytes
     codec.image_width = static_cast<JDIMENSION>(width);
     codec.image_height = static_cast<JDIMENSION>(height);
     codec.input_components = components;
-    codec.in_color_space = components == 1 ? JCS_GRAYSCALE : components == 3 ? JCS_RGB : JCS_CMYK;
+    codec.in_color_space = components == 1   ? JCS_GRAYSCALE
+                           : components == 3 ? JCS_RGB
+                           : components == 4 ? JCS_CMYK
+                                             : JCS_UNKNOWN;
     jpeg_set_defaults(&codec);
     jpeg_set_quality(&codec, quality, TRUE);
     if (progressive)
@@ -109,7 +113,8 @@ inline std::string EncodeJpeg(int width, int height, int components, const Bytes
 /// A picture of noise.
 inline std::string SampleJpeg(int width, int height, int components = 3)
 {
-    return EncodeJpeg(width, height, components, Noise(width * height * components));
+    return EncodeJpeg(width, height, components, Noise(width * height * components), 80,
+                      components > 4);
 }
 
 /// What a call writes to standard output and, marked, to standard error; an exception, too, is

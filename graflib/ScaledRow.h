@@ -1,0 +1,134 @@
+#ifndef TESSEL_GRAFLIB_SCALEDROW_H
+#define TESSEL_GRAFLIB_SCALEDROW_H
+
+// The innermost level of the fixed-point scaler: one destination row out of the source rows under
+// it. A part of DownScaleFix2.cpp, which has the drawing; for no other source.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "graflib/FixedPointTypes.h"
+
+namespace {
+
+// The flat loops, compiled once for every x86-64 and once for those with wider registers; the
+// machine picks its version when the program starts. All is integers: the results are the same.
+// (Clang 14 can't do this for templates.)
+#if defined(__x86_64__) && defined(__gnu_linux__) && !defined(__clang__)
+#define TESSEL_VERSIONS [[gnu::target_clones("avx2", "default")]]
+#else
+#define TESSEL_VERSIONS
+#endif
+
+/// sums[i] = KEEP * sums[i] + the samples at i of ROWS neighbouring rows. Several at once save most
+/// of the traffic to and from the sums.
+template <bool KEEP, std::size_t ROWS, typename Tcolumn, typename Tsample>
+TESSEL_VERSIONS void AddRows(Tcolumn* __restrict sums, const Tsample* row, std::size_t length)
+{
+    for (std::size_t i = 0; i < length; ++i) {
+        Tcolumn sum = KEEP ? sums[i] : Tcolumn{0};
+        for (std::size_t r = 0; r < ROWS; ++r)
+            sum = static_cast<Tcolumn>(sum + row[r * length + i]);
+        sums[i] = sum;
+    }
+}
+
+/// Sums `count` neighbouring rows.
+template <typename Tcolumn, typename Tsample>
+void SumRows(std::vector<Tcolumn>& sums, const Tsample* row, int count)
+{
+    constexpr int kAtOnce = 4;
+    static constexpr decltype(&AddRows<false, 0, Tcolumn, Tsample>) kFirst[kAtOnce] = {
+        AddRows<false, 0>, AddRows<false, 1>, AddRows<false, 2>, AddRows<false, 3>};
+    const std::size_t length = sums.size();
+    const int rest = count % kAtOnce;
+    kFirst[rest](sums.data(), row, length);
+    for (row += static_cast<std::size_t>(rest) * length; count >= kAtOnce; count -= kAtOnce) {
+        AddRows<true, kAtOnce>(sums.data(), row, length);
+        row += kAtOnce * length;
+    }
+}
+
+/// Divides by a footprint's area. A mean, halves rounded up, is (2 * sum + area) / (2 * area), cut.
+/// For 8-bit samples this is a product with d = 2 * area's reciprocal, rounded up, times 2^56: too
+/// large by at most dividend / 2^56, and the dividend is below 256 * d. A quotient is at least 1 /
+/// d short of the next whole number, so all is exact while 256 * d * d <= 2^56, and fits in 64
+/// bits.
+template <typename Tpixel>
+struct SDivisor
+{
+    static constexpr std::int64_t kMostArea = 1 << 23;
+
+    explicit SDivisor(std::int64_t area)
+        : mArea(area),
+          mReciprocal((std::uint64_t{1} << 56) / static_cast<std::uint64_t>(2 * area) + 1)
+    {
+    }
+
+    template <typename Tfix>
+    void Store(const Tfix& sums, Tpixel* dest) const
+    {
+        if (sizeof(typename Tpixel::Sample) > 1 || mArea > kMostArea)
+            return sums.Store(mArea, dest);
+        for (int k = 0; k < Tpixel::kComponents; ++k) {
+            const auto dividend = static_cast<std::uint64_t>(2 * sums.mSums[k] + mArea);
+            dest->mSamples[k] = static_cast<typename Tpixel::Sample>(dividend * mReciprocal >> 56);
+        }
+    }
+
+    std::int64_t mArea;
+    std::uint64_t mReciprocal;
+};
+
+/// The source rows under a destination row and what they add up to. Held by value: behind a
+/// pointer, it would have to be read again after every pixel that is stored.
+template <typename Tsample, typename Tcolumn, typename Tsum>
+struct SRowSums
+{
+    const Tsample* mTop;     ///< the first row
+    const Tsample* mBottom;  ///< the last one
+    std::int32_t mTopWeight;
+    std::int32_t mBottomWeight;  ///< 0 where there is but one row
+    const Tcolumn* mFull;        ///< the sums of the rows between
+    const Tsum* mWeighted;       ///< the sums of all rows, each times its weight
+};
+
+/// Fills row.mWeighted, which is `weighted`.
+template <int SHIFT, typename Trow, typename Tsum>
+TESSEL_VERSIONS void WeighRows(const Trow row, Tsum* __restrict weighted, std::size_t length)
+{
+    const auto topWeight = static_cast<Tsum>(row.mTopWeight);
+    const auto bottomWeight = static_cast<Tsum>(row.mBottomWeight);
+    for (std::size_t i = 0; i < length; ++i)
+        weighted[i] = (static_cast<Tsum>(row.mFull[i]) << SHIFT) +
+                      static_cast<Tsum>(row.mTop[i]) * topWeight +
+                      static_cast<Tsum>(row.mBottom[i]) * bottomWeight;
+}
+
+/// Makes the pixels of a destination row. Not inlined, for the sake of the registers.
+template <int SHIFT, typename Tfix, typename Trow, typename Tpixel>
+[[gnu::noinline]] void MakePixels(const Trow row, CFixT<SHIFT> step, const SDivisor<Tpixel> divisor,
+                                  Tpixel* dest, int width)
+{
+    for (int x = 0; x < width; ++x) {
+        Tfix sums;
+        const auto addEdge = [&](int column, std::int32_t weight) {
+            const std::ptrdiff_t i = std::ptrdiff_t{column} * Tpixel::kComponents;
+            sums.Add(row.mFull + i, weight);
+            sums.Add(row.mTop + i, CFixT<SHIFT>::Multiply(weight, row.mTopWeight));
+            sums.Add(row.mBottom + i, CFixT<SHIFT>::Multiply(weight, row.mBottomWeight));
+        };
+        const SSpanT<SHIFT> columns(x, step);
+        addEdge(columns.mFirst, columns.mFirstWeight);
+        for (int column = columns.mFirst + 1; column < columns.mLast; ++column)
+            sums.Add(row.mWeighted + std::ptrdiff_t{column} * Tpixel::kComponents, 1);
+        if (columns.mLast != columns.mFirst)
+            addEdge(columns.mLast, columns.mLastWeight);
+        divisor.Store(sums, dest + x);
+    }
+}
+
+}  // namespace
+
+#endif
