@@ -12,9 +12,9 @@
 template <int SHIFT>
 struct CFixT
 {
-    static constexpr std::int32_t kOne = 1 << SHIFT;
-    static constexpr std::int32_t kMask = kOne - 1;
-    static constexpr std::int32_t kHalf = kOne / 2;
+    static constexpr std::int32_t kOne = 1 << SHIFT;  ///< the number 1
+    static constexpr std::int32_t kMask = kOne - 1;   ///< the fraction bits
+    static constexpr std::int32_t kHalf = kOne / 2;   ///< one half
 
     std::int32_t mValue = 0;  ///< the number times kOne
 
@@ -32,9 +32,12 @@ struct CFixT
 
     /// The product with all its bits.
     static std::int64_t WideProduct(CFixT a, CFixT b) { return Multiply(a.mValue, b.mValue); }
+    /// The same of numbers times kOne.
     static std::int64_t Multiply(std::int64_t a, std::int64_t b) { return (a * b) >> SHIFT; }
 
+    /// The whole number below.
     std::int32_t Integer() const { return mValue >> SHIFT; }
+    /// What the number has beyond that, times kOne.
     std::int32_t Fraction() const { return mValue & kMask; }
 };
 
@@ -43,11 +46,12 @@ struct CFixT
 template <int SHIFT>
 struct SSpanT
 {
-    int mFirst;
-    int mLast;
-    std::int32_t mFirstWeight;
-    std::int32_t mLastWeight;  ///< the same as mFirstWeight where there is but one
+    int mFirst;                 ///< the first column or row
+    int mLast;                  ///< the last one
+    std::int32_t mFirstWeight;  ///< of the first, times CFixT::kOne
+    std::int32_t mLastWeight;   ///< of the last; the same as mFirstWeight where there is but one
 
+    /// `step` source columns or rows make one destination column or row.
     SSpanT(int index, CFixT<SHIFT> step)
     {
         const std::int32_t start = index * step.mValue;
@@ -58,6 +62,7 @@ struct SSpanT
         mLastWeight = mLast > mFirst ? end - mLast * CFixT<SHIFT>::kOne : step.mValue;
     }
 
+    /// How much of column or row `i` is covered, from mFirst to mLast.
     std::int32_t Weight(int i) const
     {
         return i == mFirst ? mFirstWeight : i == mLast ? mLastWeight : CFixT<SHIFT>::kOne;
@@ -69,8 +74,9 @@ struct SSpanT
 template <int SHIFT, int COUNT>
 struct CPixelNfixT
 {
-    std::int64_t mSums[COUNT] = {};
+    std::int64_t mSums[COUNT] = {};  ///< weighted sums, one for each component
 
+    /// Sets all sums to 0.
     void Clear() { *this = {}; }
 
     /// Adds a source pixel's samples times `weight`.

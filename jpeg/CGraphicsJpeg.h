@@ -35,7 +35,7 @@ public:
     /// Every scan costs a pass over the picture, at worst 2 ns a pixel. Encoders make about ten,
     /// and rarely a hundred. One scan is always read.
     static constexpr std::uint64_t kMaxScannedPixels = 2'500'000'000;
-    static constexpr std::uint64_t kMaxScans = 500;
+    static constexpr std::uint64_t kMaxScans = 500;  ///< whatever the picture's size
 
     CGraphicsJpeg();
     CGraphicsJpeg(const CGraphicsJpeg&) = delete;
