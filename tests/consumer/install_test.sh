@@ -10,13 +10,13 @@ here=$sources/tests/consumer
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# try NAME COMMAND...: the command runs the program, which writes three pictures.
+# try NAME COMMAND...: the command runs the program, which writes four pictures.
 try() {
     local name=$1
     shift
     mkdir "$work/$name-pictures"
     "$@" "$photo" "$work/$name-pictures" >"$work/log"
-    [[ $(find "$work/$name-pictures" -name '*.jpg' -size +0 | wc -l) -eq 3 ]]
+    [[ $(find "$work/$name-pictures" -name '*.jpg' -size +0 | wc -l) -eq 4 ]]
     echo "$name: ok"
 }
 
