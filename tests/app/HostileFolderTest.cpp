@@ -211,13 +211,19 @@ TEST_F(HostileFolder, RunsWithinSmallLimits)
 {
     for (int i = 0; i < 50; ++i)
         WriteAll(mGallery / (std::to_string(i) + ".jpg"), mJpeg);
-    const std::string limit = "exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-; ulimit -n ";
-    EXPECT_EQ(Try(limit + "5; exec " TESSEL_PROGRAM " .").find("failed"), std::string::npos);
+    Try();
     EXPECT_TRUE(HasThumb("0.jpg") && HasThumb("49.jpg"));
     const auto expected = Files();
-    // Three are the standard ones, and the page takes up the next.
-    EXPECT_TRUE(Try(limit + "4; exec " TESSEL_PROGRAM " .").starts_with("Reading "));
-    EXPECT_TRUE(Files() == expected);
+    // Three descriptors are the standard ones, and the page takes up the next. Sanitizers and
+    // emulators need more to start with.
+    const std::string close = "exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-; ulimit -n ";
+    if (Works(close + "4; exec " TESSEL_PROGRAM)) {
+        EXPECT_TRUE(Try(close + "4; exec " TESSEL_PROGRAM " .").starts_with("Reading "));
+        EXPECT_TRUE(Files() == expected);
+        fs::remove_all(mThumbs);
+        EXPECT_EQ(Try(close + "5; exec " TESSEL_PROGRAM " .").find("failed"), std::string::npos);
+        EXPECT_TRUE(Files() == expected);
+    }
     for (const char* closed : {">&-", "<&- >&- 2>&-"}) {
         fs::remove_all(mThumbs);
         EXPECT_EQ(Try(std::string("exec " TESSEL_PROGRAM " . ") + closed), "");
