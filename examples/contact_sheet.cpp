@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "examples/Helpers.h"
+#include "Helpers.h"
 #include "jpeg/CGraflibJpeg.h"
 #include "util/CFileIO.h"
 

@@ -2,7 +2,7 @@
 #include <iostream>
 #include <vector>
 
-#include "examples/Helpers.h"
+#include "Helpers.h"
 #include "jpeg/CGraflibJpeg.h"
 
 namespace {

@@ -2,7 +2,7 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "examples/Helpers.h"
+#include "Helpers.h"
 #include "jpeg/CGraflibJpeg.h"
 
 int main(int argc, char** argv)
