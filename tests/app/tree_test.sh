@@ -32,8 +32,8 @@ start_with() {
     tessel plain/emptied
 }
 
-# run OPTION...: tessel-tree over the tree; its status and what it says stay.
-run() { status=0 && "$tree" "$@" tree >said 2>&1 || status=$?; }
+# run OPTION...: tessel-tree over the tree, as a service has it; its status and what it says stay.
+run() { status=0 && env -u HOME -u SHELL "$tree" "$@" tree >said 2>&1 || status=$?; }
 
 add start/plain b.JPG a.jpg 'q'\''".jpg'
 add start/-dash -x.jpg
