@@ -1,0 +1,158 @@
+#!/usr/bin/env bash
+# Folders that people have filled: every run ends normally, every good picture gets its thumbnail, and
+# nothing but page, thumbnails and database changes. hostile_test.sh [EMULATOR...] TESSEL
+# shellcheck disable=SC2016,SC2053  # words for another shell, and patterns
+set -euo pipefail
+export LC_ALL=C
+
+work=$(mktemp -d) base=tessel/tesselbase.txt end=$'</table>\n</body></html>'
+trap 'chmod -R u+rwx "$work" && rm -rf "$work"' EXIT
+trap 'echo "hostile_test, line $LINENO: $BASH_COMMAND: $(head -c 900 "$work/said" | tr -c "[:print:]\n" "?")"' ERR
+chmod 755 "$work" && mkdir "$work/bin" && cp "${@: -1}" "$work/bin/program"
+{ echo '#!/bin/sh' && printf '%s ' exec "${@:1:$#-1}" "$work/bin/program" '"$@"'; } >"$work/bin/tessel"
+chmod 755 "$work/bin/tessel" && PATH=$work/bin:$PATH
+
+# under WORDS ARGUMENT...: tessel behind a shell's words, killed when it takes too long. Its words stay.
+under() { timeout -s KILL 300 bash -c "$1"' exec tessel "$@"' bash "${@:2}" >"$work/said" 2>&1; }
+run() { under '' "${@:-.}"; }
+said() { [[ $(<"$work/said") == $1 ]]; }
+has_thumbs() { for name; do cmp -- "$work/thumb" "tessel/$name"; done; }
+grey() { { printf 'P5 %d %d 255\n' "$1" "$2" && head -c $(($1 * $2)) < <(yes); } | cjpeg "${@:3}"; }
+state() { (cd "$work" && find gallery elsewhere -printf '%p %y %m %U %l ' -type f -exec md5sum {} \; -o -print | sort); }
+# gallery NAME...: a gallery of good pictures, not made yet.
+gallery() {
+    cd "$work" && chmod -R u+rwx . && rm -rf gallery elsewhere
+    mkdir -p elsewhere gallery/tessel && cd gallery && for name; do cp "$work/picture" "./$name"; done
+}
+
+grey 1200 800 >"$work/picture" && : >"$work/said"
+gallery x.jpg && run && cp tessel/x.jpg "$work/thumb"
+[[ $(head -c 10 < <(djpeg tessel/x.jpg)) == $'P6\n192 128' ]]
+
+# Entries of any kind and name hold nothing up.
+names=('a b' "\"'" $'\t' $'\n' $'\r' $'\1\177' %41 '#?' '<b>' -tsize '' $'\xff\xfe' '&amp' $'\\n$x')
+names+=("$(printf 'n%.0s' {1..251})" linked)
+gallery "${names[@]/%/.jpg}"
+mkfifo fifo.jpg $base && mkdir folder.jpg && : >empty.jpg
+ln -s circle.jpg circle.jpg && ln -s /dev/zero endless.jpg && ln -s none dangling.jpg
+ln -sf 'a b.jpg' linked.jpg
+python3 -c 'import socket; socket.socket(socket.AF_UNIX).bind("socket.jpg")'
+run && has_thumbs "${names[@]/%/.jpg}" && [[ $(find tessel -type f -printf x) == xxxxxxxxxxxxxxxxx ]]
+grep -q 'Empty input file' "$work/said" # the folder
+
+# What stands in the place of a file of the gallery makes way, and what it leads to stays as it is.
+gallery linked.jpg hard.jpg fifo.jpg socket.jpg
+echo outside >../elsewhere/file && mkdir ../elsewhere/drafts && cp "$work/picture" ../elsewhere
+ln -s ../../elsewhere/drafts $base.new && ln -s ../linked.jpg tessel && ln hard.jpg tessel
+ln -s ../elsewhere/file index.html && ln -s /dev/zero $base && mkfifo tessel/fifo.jpg
+(cd tessel && python3 -c 'import socket; socket.socket(socket.AF_UNIX).bind("socket.jpg")')
+run && has_thumbs linked.jpg hard.jpg fifo.jpg socket.jpg && [[ ! -e $base.new ]]
+for name in *.jpg; do cmp "$work/picture" "$name"; done
+[[ -f index.html && ! -L index.html && -f $base && ! -L $base ]]
+[[ $(<../elsewhere/file) == outside && -z $(ls ../elsewhere/drafts) ]]
+grey 400 2 >wide.jpg && ln -s none tessel/wide.jpg && run -tsize 40000 . && [[ -L tessel/wide.jpg ]]
+
+# Of links in the thumbnail folder's place only those to a thumbnail folder are followed: one that is
+# empty, or holds a database.
+for held in '' tesselbase.txt x.jpg missing; do
+    gallery x.jpg && rmdir tessel && ln -s ../elsewhere tessel
+    case $held in '') ;; missing) rmdir ../elsewhere ;; *) echo original >../elsewhere/$held ;; esac
+    run && said $'Reading ./x.jpg\n*\nWriting ./tessel/x.jpg' && [[ -L tessel && $(<index.html) == *"$end" ]]
+    first=$(<"$work/said") && run
+    case $held in
+        x.jpg) said "$first" && [[ $(ls ../elsewhere) == x.jpg && $(<../elsewhere/x.jpg) == original ]] ;;
+        missing) said "$first" && [[ ! -e ../elsewhere ]] ;;
+        *) said '' && has_thumbs x.jpg && grep -q '^x.jpg' ../elsewhere/tesselbase.txt ;;
+    esac
+done
+
+# Ordinary files keep mode and owner.
+gallery x.jpg && touch $base tessel/x.jpg index.html && chmod 604 $base tessel/x.jpg index.html
+[[ $EUID -ne 0 ]] || chown 65534:65533 $base tessel/x.jpg index.html
+owner=$(stat -c '604 %u' $base) && run && has_thumbs x.jpg && [[ -s $base && -s index.html ]]
+[[ $(stat -c '%a %u' $base tessel/x.jpg index.html | sort -u) == "$owner" ]]
+
+# A picture on which somebody holds a lease is waited for.
+gallery x.jpg && python3 - <<'END' && [[ -s $base ]] && has_thumbs x.jpg
+import fcntl, signal, subprocess
+with open("x.jpg", "r+b") as picture:
+    signal.signal(signal.SIGIO, lambda *_: fcntl.fcntl(picture, fcntl.F_SETLEASE, fcntl.F_UNLCK))
+    fcntl.fcntl(picture, fcntl.F_SETLEASE, fcntl.F_WRLCK)
+    subprocess.run(["timeout", "300", "tessel", "."], check=True, capture_output=True)
+END
+
+# Readers that go away end nothing.
+gallery {a,b,c}.jpg && head -c -20 a.jpg >cut.jpg
+{ sleep 0.2 && tessel . 2>&1 && echo goes on >status; } | true
+[[ $(<status) == 'goes on' && -s tessel/cut.jpg ]] && has_thumbs {a,b,c}.jpg && run && said ''
+
+# Runs that are killed, or two at once, end like one.
+gallery {1..20}.jpg && printf 'gone.jpg\t7\n' >$base && run && expected=$(state)
+for i in {0..39}; do
+    rm tessel/* && printf 'gone.jpg\t7\n' >$base
+    tessel . &>/dev/null &
+    if ((i % 4)); then sleep "$(printf 0.%03d "$i")"; kill -KILL $! || true; else tessel .; fi &>/dev/null
+    wait $! 2>/dev/null || true
+    run && [[ $(state) == "$expected" ]]
+done
+
+# Runs within small limits. Three descriptors are the standard ones, and the page takes up the next.
+# Sanitizers and emulators need more to start with.
+gallery {1..50}.jpg && run && has_thumbs {1..50}.jpg && expected=$(state)
+less='exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-; ulimit -n'
+if under "$less 4;"; then
+    under "$less 4;" . && said 'Reading *' && [[ $(state) == "$expected" ]]
+    rm -r tessel && under "$less 5;" . && [[ $(state) == "$expected" ]]
+fi
+rm -r tessel && under 'exec >&-;' . && [[ $(state) == "$expected" ]]
+rm -r tessel && under 'exec <&- >&- 2>&-;' . && [[ $(state) == "$expected" ]]
+gallery && grey 9000 9000 -progressive >large.jpg && grey 20000 14000 >long.jpg
+run && [[ -s tessel/large.jpg && -s tessel/long.jpg ]] && rm -r tessel
+if under 'ulimit -v 60000;'; then
+    under 'ulimit -v 60000;' . && said $'*Reading ./large.jpg\n*' && [[ ! -e tessel/large.jpg && -s tessel/long.jpg ]]
+    rm large.jpg && cp "$work/picture" grown.jpg && under 'ulimit -v 60000;' -tsize 30000 .
+    [[ ! -e tessel/grown.jpg ]] && run && said ''
+fi
+
+# Databases of anything are read, and healed.
+gallery x.jpg
+for content in 'cat "$0"' 'head -c 100000000 /dev/zero' 'yes ""' 'yes x.jpg 9' \
+    'tr "\\0" "\\t" </dev/zero' 'tr "\\0" 9 </dev/zero' 'seq -f "%.0f.jpg	1" 1000000'; do
+    rm -f tessel/x.jpg && head -c 50000000 < <(bash -c "$content" "$work/bin/program" 2>/dev/null) >$base
+    run && has_thumbs x.jpg && cp $base "$work/healed" && run && said '' && cmp $base "$work/healed"
+done
+
+# A hundred thousand entries are done on a small stack.
+gallery last.jpg && seq -f %.0f.jpg 100000 | xargs touch
+under 'ulimit -s 256;' . && has_thumbs last.jpg && [[ $(tail -c 99 index.html) == *"$end" ]]
+[[ $(wc -l <$base) == 100001 ]]
+
+# A full disk ends the run, and the next goes on. A database that can't be written whole doesn't take
+# the place of the old one.
+full='trap "" XFSZ; ulimit -f 8;'
+gallery && grey 1000 1000 >noise.jpg
+if under "$full" -tsize 1000 .; then false; fi
+said '*Output file write error --- out of disk space?*' && run && [[ -s tessel/noise.jpg ]]
+seq -f $'%.0f.jpg\t1' 10000 12000 >$base && printf 'noise.jpg\t99999999999\n' >>$base && expected=$(state)
+under "$full" . && said '' && [[ $(state) == "$expected" && ! -e $base.new ]]
+
+# What can't be changed stays as it is; the superuser, who may change everything, becomes somebody else.
+other='' && [[ $EUID -ne 0 ]] || other='exec setpriv --reuid=65534 --regid=65534 --clear-groups tessel "$@";'
+under "$other" || exit 0
+gallery x.jpg && chmod 555 . tessel && expected=$(state)
+under "$other" . && said $'Reading ./x.jpg\n*' && [[ $(state) == "$expected" ]]
+# But for its files that may be.
+chmod 755 . tessel && touch index.html $base && chmod 666 index.html $base && chmod 555 . tessel
+under "$other" . && grep -q '^x.jpg' $base && [[ $(<index.html) == *"$end" ]]
+echo shared >index.html && ln index.html ../elsewhere && under "$other" . && [[ $(<index.html) == shared ]]
+# Nor is a folder changed that may be entered, and not listed.
+chmod 755 . && rm index.html && chmod 333 . && under "$other" . && said '' && [[ ! -e index.html ]]
+# Nor a file that can't be written, or whose records can't be read.
+for mode in 444 222; do
+    gallery x.jpg && chmod 777 . tessel && printf 'old\t1\n' | tee index.html >$base
+    chmod $mode index.html $base && under "$other" . && chmod 644 index.html $base && has_thumbs x.jpg
+    [[ $(<$base) == $'old\t1' ]] && case $mode in
+        444) cmp index.html $base ;;
+        222) [[ $(<index.html) == *"$end" ]] ;;
+    esac
+done
