@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
-# Folders that people have filled: every run ends normally, every good picture gets its thumbnail, and
-# nothing but page, thumbnails and database changes. hostile_test.sh [EMULATOR...] TESSEL
+# The program as people meet it: what its command line asks for, what a run makes again, and folders of
+# anything, in which every run ends normally, every good picture gets its thumbnail, and nothing but
+# page, thumbnails and database changes. program_test.sh [EMULATOR...] TESSEL
 # shellcheck disable=SC2016,SC2053  # words for another shell, and patterns
-set -euo pipefail
+set -Eeuo pipefail
 export LC_ALL=C
 
 work=$(mktemp -d) base=tessel/tesselbase.txt end=$'</table>\n</body></html>'
 trap 'chmod -R u+rwx "$work" && rm -rf "$work"' EXIT
-trap 'echo "hostile_test, line $LINENO: $BASH_COMMAND: $(head -c 900 "$work/said" | tr -c "[:print:]\n" "?")"' ERR
+trap '[[ $BASHPID -ne $$ ]] || echo "program_test, line $LINENO: $BASH_COMMAND: $(head -c 900 "$work/said" | tr -c "[:print:]\n" "?")"' ERR
 chmod 755 "$work" && mkdir "$work/bin" && cp "${@: -1}" "$work/bin/program"
 { echo '#!/bin/sh' && printf '%s ' exec "${@:1:$#-1}" "$work/bin/program" '"$@"'; } >"$work/bin/tessel"
 chmod 755 "$work/bin/tessel" && PATH=$work/bin:$PATH
@@ -27,7 +28,65 @@ gallery() {
 
 grey 1200 800 >"$work/picture" && : >"$work/said"
 gallery x.jpg && run && cp tessel/x.jpg "$work/thumb"
-[[ $(head -c 10 < <(djpeg tessel/x.jpg)) == $'P6\n192 128' ]]
+
+# Size and folder come from the command line.
+for words in '. missing' '. -tsize' '-tsize 100'; do
+    read -ra words <<<"$words" && gallery x.jpg && run "${words[@]}" && said '' && [[ ! -e index.html ]]
+done
+while read -ra words; do
+    rm -rf tessel && run "${words[@]:1}"
+    [[ $(head -n 2 < <(djpeg tessel/x.jpg)) == $'P6\n'"${words[0]} $((words[0] * 2 / 3))" ]]
+    path=${words[-1]}/ && [[ $(sed -n 4p index.html) == "<h2>${words[-1]##*/}</h2>" ]]
+    said "Reading ${path}x.jpg
+${path}x.jpg Width=1200 Height=800 mBits=8 Data != NULL
+sizeof(Tpixel)=1
+Writing ${path}tessel/x.jpg"
+done <<'END'
+192 elsewhere .
+99 -tsize 99 ./
+98 -tsize 98px ./.
+192 -TSIZE 80 .
+192 -tsizes 80 .
+192 -tsize big .
+192 -tsize 0 .
+192 -tsize -5 .
+50 -tsize -tsize 50 .
+64 -tsize 9 -tsize 64 .
+END
+mkdir 70 && cp x.jpg 70 && run -tsize 70 && [[ $(head -n 2 < <(djpeg 70/tessel/x.jpg)) == $'P6\n70 46' ]]
+grey 8 8 >x.jpg && rm $base && run -tsize 2147483647 . && said '*Data != NULL'
+
+# What is new or later is made again, and nothing else.
+gallery a.jpg b.jpg && touch -d @1000000 a.jpg && touch -d @-200000 b.jpg && run
+for time in -100000 1000000 1000001 8589934592; do
+    touch -d @$time b.jpg && run && said $'Reading ./b.jpg\n*' && [[ $(grep -c Reading "$work/said") == 1 ]]
+    run && said ''
+done
+touch -d @5 a.jpg && rm b.jpg && run && said '' # a long's largest value, where a time doesn't fit
+[[ $(<$base) == $'a.jpg\t1000000\nb.jpg\t'@(8589934592|2147483647) ]]
+rm $base && run && has_thumbs a.jpg && said $'Reading ./a.jpg\n*'
+# Whatever names have in common, and whatever records stand between theirs.
+names=(tog together 'together 1' 'together 1.jpg' 'together 12345678' 'together 123456789' $'tog\xff' $'tog\x7f')
+names+=("together 1234"{a..j})
+gallery "${names[@]/%/.jpg}" && touch -d @5 ./*.jpg && run && has_thumbs "${names[@]/%/.jpg}"
+printf '%s\t9\n' a 'together 1' 'together 12345678' z >>$base
+for name in "${names[@]}"; do
+    touch -d @6 "$name.jpg" && run && said "Reading ./$name.jpg"$'\n*'
+    [[ $(grep -ac ^Reading "$work/said") == 1 ]] && run && said ''
+done
+
+# A run goes on past what fails.
+for obstacle in index.html $base tessel/x.jpg tessel; do
+    gallery x.jpg && echo text >text.jpg && head -c 30 x.jpg >cut.jpg && ln -s none lost.jpg && mkdir folder.jpg
+    if [[ $obstacle == tessel ]]; then rmdir tessel && echo file >tessel; else mkdir $obstacle; fi && run
+    for name in cut folder lost text x; do grep -q "^Reading ./$name.jpg" "$work/said"; done
+    grep -q '^Empty input file$' "$work/said" # the folder
+    for name in index.html $base tessel/x.jpg; do
+        if [[ $name == $obstacle* ]]; then [[ ! -f $name ]]; else [[ -s $name ]]; fi
+    done
+    [[ $obstacle == index.html || $(<index.html) == *"$end" ]]
+    [[ $obstacle == "$base" || $obstacle == tessel || $(cut -f 1 $base | xargs) == 'cut.jpg folder.jpg text.jpg x.jpg' ]]
+done
 
 # Entries of any kind and name hold nothing up.
 names=('a b' "\"'" $'\t' $'\n' $'\r' $'\1\177' %41 '#?' '<b>' -tsize '' $'\xff\xfe' '&amp' $'\\n$x')
@@ -38,7 +97,6 @@ ln -s circle.jpg circle.jpg && ln -s /dev/zero endless.jpg && ln -s none danglin
 ln -sf 'a b.jpg' linked.jpg
 python3 -c 'import socket; socket.socket(socket.AF_UNIX).bind("socket.jpg")'
 run && has_thumbs "${names[@]/%/.jpg}" && [[ $(find tessel -type f -printf x) == xxxxxxxxxxxxxxxxx ]]
-grep -q 'Empty input file' "$work/said" # the folder
 
 # What stands in the place of a file of the gallery makes way, and what it leads to stays as it is.
 gallery linked.jpg hard.jpg fifo.jpg socket.jpg
