@@ -1,8 +1,5 @@
-// What a run leaves in the folder, to the byte, and how it writes its lines.
+// What a run leaves in the folder, to the byte.
 #include "app/CTessel.h"
-
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <climits>
@@ -57,42 +54,6 @@ TEST_F(Tessel, MakesAGalleryToTheByte)
         EXPECT_EQ(std::distance(fs::recursive_directory_iterator(mFolder), {}), 25);
         for (const auto& [path, content] : files)
             EXPECT_TRUE(ReadAll(path) == content) << path;
-    }
-}
-
-TEST_F(Tessel, WritesEachLineInOnePiece)
-{
-    const std::string name = "line\nfeed.jpg", jpeg = SampleJpeg(300, 200);
-    WriteAll(mFolder / name, jpeg.substr(0, jpeg.size() / 2));
-    constexpr std::size_t kLongestPath = 4096;
-    std::string longest = ".";  // whose lines are longer than a page
-    while (longest.size() + name.size() + 10 < kLongestPath)
-        longest += "/.";
-    for (const std::string& folder : {std::string(), std::string("."), longest}) {
-        const std::string path = folder + "/" + name;
-        int ends[2];  // which keep the pieces apart
-        ASSERT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends), 0);
-        const std::string out = std::to_string(ends[1]);
-        Run("sh -c '" TESSEL_PROGRAM " " + folder + " >&" + out + " 2>&1'");
-        close(ends[1]);
-        Names lines;
-        for (std::string piece(2 * kLongestPath, 0);;) {
-            const ssize_t size = recv(ends[0], piece.data(), piece.size(), 0);
-            if (size <= 0)
-                break;
-            lines.push_back(piece.substr(0, static_cast<std::size_t>(size)));
-        }
-        close(ends[0]);
-        const Names usage{"tessel <options> <foldername>\n", "       options: -tsize <thumbsize>\n",
-                          "       Version " TESSEL_VERSION "\n"};
-        const Names made{"Reading " + path + "\n",
-                         "Premature end of JPEG file\n",
-                         path + " Width=300 Height=200 mBits=24 Data != NULL\n",
-                         "ScaleFakt=2.44141\n",
-                         "sizeof(Tpixel)=3\n",
-                         "Writing " + folder + "/tessel/" + name + "\n"};
-        EXPECT_EQ(lines, folder.empty() ? usage : made);
-        fs::remove_all(mFolder / "tessel");
     }
 }
 

@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # The program as people meet it: what its command line asks for, what a run makes again, and folders of
 # anything, in which every run ends normally, every good picture gets its thumbnail, and nothing but
-# page, thumbnails and database changes. program_test.sh [EMULATOR...] TESSEL
+# page, thumbnails and database changes. program_test.sh VERSION [EMULATOR...] TESSEL
 # shellcheck disable=SC2016,SC2053  # words for another shell, and patterns
 set -Eeuo pipefail
 export LC_ALL=C
 
+version=$1 && shift
 work=$(mktemp -d) base=tessel/tesselbase.txt end=$'</table>\n</body></html>'
 trap 'chmod -R u+rwx "$work" && rm -rf "$work"' EXIT
 trap '[[ $BASHPID -ne $$ ]] || echo "program_test, line $LINENO: $BASH_COMMAND: $(head -c 900 "$work/said" | tr -c "[:print:]\n" "?")"' ERR
@@ -55,6 +56,26 @@ done <<'END'
 END
 mkdir 70 && cp x.jpg 70 && run -tsize 70 && [[ $(head -n 2 < <(djpeg 70/tessel/x.jpg)) == $'P6\n70 46' ]]
 grey 8 8 >x.jpg && rm $base && run -tsize 2147483647 . && said '*Data != NULL'
+
+# Each line is written in one piece, whatever it holds and however long it is.
+gallery && { printf 'P6 300 200 255\n' && head -c 180000 < <(yes); } | cjpeg | head -c -99 >$'line\nfeed.jpg'
+python3 - "$version" <<'END'
+import os, socket, subprocess, sys
+usage = ["tessel <options> <foldername>\n", "       options: -tsize <thumbsize>\n",
+         f"       Version {sys.argv[1]}\n"]
+for folder in None, ".", "." + "/." * 2000:
+    path = f"{folder}/line\nfeed.jpg"
+    made = [f"Reading {path}\n", "Premature end of JPEG file\n",
+            f"{path} Width=300 Height=200 mBits=24 Data != NULL\n", "ScaleFakt=2.44141\n",
+            "sizeof(Tpixel)=3\n", f"Writing {folder}/tessel/line\nfeed.jpg\n"]
+    ours, theirs = socket.socketpair(socket.AF_UNIX, socket.SOCK_SEQPACKET)  # keeps pieces apart
+    with theirs:
+        subprocess.run(["tessel", folder][:2 if folder else 1], stdout=theirs, stderr=theirs)
+    pieces = [piece.decode() for piece in iter(lambda: ours.recv(9999), b"")]
+    assert pieces == (made if folder else usage), pieces
+    if folder:
+        os.remove("tessel/tesselbase.txt")
+END
 
 # What is new or later is made again, and nothing else.
 gallery a.jpg b.jpg && touch -d @1000000 a.jpg && touch -d @-200000 b.jpg && run
