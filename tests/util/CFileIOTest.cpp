@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <climits>
+#include <functional>
 
 #include "tests/TestSupport.h"
 
@@ -17,11 +18,9 @@ static int entriesToFailure = -1;  // never
 /// In the place of the system's: a folder that fails midway, as on a disk with faults.
 extern "C" dirent* readdir(DIR* folder)
 {
-#ifdef __GLIBC__  // which calls it so where file offsets have 64 bits
-    static const auto real = reinterpret_cast<decltype(&readdir)>(dlsym(RTLD_NEXT, "readdir64"));
-#else
-    static const auto real = reinterpret_cast<decltype(&readdir)>(dlsym(RTLD_NEXT, "readdir"));
-#endif
+    void* known = dlsym(RTLD_NEXT, "readdir64");  // where file offsets can have 32 bits, too
+    static const auto real =
+        reinterpret_cast<decltype(&readdir)>(known ? known : dlsym(RTLD_NEXT, "readdir"));
     if (entriesToFailure-- != 0)
         return real(folder);
     errno = EIO;
@@ -60,32 +59,30 @@ TEST_F(CFileIOTest, ReadLineEndsLinesAtLineFeedsAndDropsCarriageReturns)
 
 TEST_F(CFileIOTest, WithoutAnOpenFileNothingHappens)
 {
-    // Never opened, failed for either direction, closed.
-    for (int state = 0; state < 4; ++state) {
+    // Never opened, failed for reading, failed for writing, closed.
+    const std::function<bool()> states[] = {
+        [&] { return mIO.OpenFileChange(mPath, 0) || mIO.FileExists(mPath); },
+        [&] { return mIO.mReadOk = true, mIO.OpenFileRead("/no/where", CFileIO::kBinary); },
+        [&] { return mIO.mWriteOk = true, mIO.OpenFileWrite("/no/where", CFileIO::kBinary); },
+        [&] {
+            EXPECT_TRUE(mIO.OpenFileWrite(mPath, 0) && mIO.OpenFileRead(mPath, 0));
+            mIO.CloseFile();
+            return mIO.mStream || mIO.mReadOk || mIO.mWriteOk;
+        }};
+    EXPECT_TRUE(mIO.IsEof());
+    for (const auto& enter : states) {
         std::string line("left over");
-        EXPECT_FALSE(mIO.ReadBytes(&mSize, 1) || mIO.WriteBytes("a", 1) || mIO.ReadBytes(1));
-        EXPECT_FALSE(mIO.ReadLine(&line) || mIO.SetReadPos(0) || mIO.SetReadPos2(0, 1));
-        EXPECT_TRUE(line.empty() && mIO.GetChar() == 0 && mSize == 0) << state;
-        EXPECT_TRUE(mIO.GetReadPos() == -1 && mIO.GetWritePos() == -1) << state;
-        EXPECT_EQ(mIO.IsEof(), state == 0 || state == 3);
+        EXPECT_FALSE(enter() || mIO.ReadBytes(&mSize, 1) || mIO.WriteBytes("a", 1));
+        EXPECT_FALSE(mIO.ReadBytes(1) || mIO.ReadLine(&line) || mIO.GetChar() || mSize);
+        EXPECT_FALSE(!line.empty() || mIO.SetReadPos(0) || mIO.SetReadPos2(0, 1));
+        EXPECT_TRUE(mIO.GetReadPos() == -1 && mIO.GetWritePos() == -1);
+        EXPECT_EQ(mIO.IsEof(), !mIO.mStream);
         mIO.SkipBytes(1);
         mIO.SetWritePos(1);
         mIO.SetWritePosEnd();
         mIO.Clear();
         mIO.CloseFile();
         EXPECT_FALSE(mIO.mReadOk || mIO.mWriteOk);
-        if (state == 2) {
-            EXPECT_TRUE(mIO.OpenFileWrite(mPath, 0) && mIO.OpenFileRead(mPath, 0));
-            mIO.CloseFile();
-            EXPECT_EQ(mIO.mStream, nullptr);
-        } else if (state == 0) {
-            EXPECT_FALSE(mIO.OpenFileChange(mPath, 0) || mIO.FileExists(mPath));
-            mIO.mReadOk = true;  // which a failed open takes back
-            EXPECT_FALSE(mIO.OpenFileRead("/no/where", CFileIO::kBinary));
-        } else {
-            mIO.mWriteOk = true;
-            EXPECT_FALSE(mIO.OpenFileWrite("/no/where", CFileIO::kBinary));
-        }
     }
 }
 
