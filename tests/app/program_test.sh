@@ -6,38 +6,38 @@
 set -Eeuo pipefail
 export LC_ALL=C
 
-version=$1 && shift
+version=$1; shift
 work=$(mktemp -d) base=tessel/tesselbase.txt end=$'</table>\n</body></html>'
 trap 'chmod -R u+rwx "$work" && rm -rf "$work"' EXIT
 trap '[[ $BASHPID -ne $$ ]] || echo "program_test, line $LINENO: $BASH_COMMAND: $(head -c 900 "$work/said" | tr -c "[:print:]\n" "?")"' ERR
-chmod 755 "$work" && mkdir "$work/bin" && cp "${@: -1}" "$work/bin/program"
-{ echo '#!/bin/sh' && printf '%s ' exec "${@:1:$#-1}" "$work/bin/program" '"$@"'; } >"$work/bin/tessel"
-chmod 755 "$work/bin/tessel" && PATH=$work/bin:$PATH
+chmod 755 "$work"; mkdir "$work/bin"; cp "${@: -1}" "$work/bin/program"
+{ echo '#!/bin/sh'; printf '%s ' exec "${@:1:$#-1}" "$work/bin/program" '"$@"'; } >"$work/bin/tessel"
+chmod 755 "$work/bin/tessel"; PATH=$work/bin:$PATH
 
 # under WORDS ARGUMENT...: tessel behind a shell's words, killed when it takes too long. Its words stay.
 under() { timeout -s KILL 300 bash -c "$1"' exec tessel "$@"' bash "${@:2}" >"$work/said" 2>&1; }
 run() { under '' "${@:-.}"; }
 said() { [[ $(<"$work/said") == $1 ]]; }
 has_thumbs() { for name; do cmp -- "$work/thumb" "tessel/$name"; done; }
-grey() { { printf 'P5 %d %d 255\n' "$1" "$2" && head -c $(($1 * $2)) < <(yes); } | cjpeg "${@:3}"; }
-state() { (cd "$work" && find gallery elsewhere -printf '%p %y %m %U %l ' -type f -exec md5sum {} \; -o -print | sort); }
+grey() { { printf 'P5 %d %d 255\n' "$1" "$2"; head -c $(($1 * $2)) < <(yes); } | cjpeg "${@:3}"; }
+state() { (cd "$work"; find gallery elsewhere -printf '%p %y %m %U %l ' -type f -exec md5sum {} \; -o -print | sort); }
 # gallery NAME...: a gallery of good pictures, not made yet.
 gallery() {
-    cd "$work" && chmod -R u+rwx . && rm -rf gallery elsewhere
-    mkdir -p elsewhere gallery/tessel && cd gallery && for name; do cp "$work/picture" "./$name"; done
+    cd "$work"; chmod -R u+rwx .; rm -rf gallery elsewhere
+    mkdir -p elsewhere gallery/tessel; cd gallery; for name; do cp "$work/picture" "./$name"; done
 }
 
-grey 1200 800 >"$work/picture" && : >"$work/said"
-gallery x.jpg && run && cp tessel/x.jpg "$work/thumb"
+grey 1200 800 >"$work/picture"; : >"$work/said"
+gallery x.jpg; run; cp tessel/x.jpg "$work/thumb"
 
 # Size and folder come from the command line.
 for words in '. missing' '. -tsize' '-tsize 100'; do
-    read -ra words <<<"$words" && gallery x.jpg && run "${words[@]}" && said '' && [[ ! -e index.html ]]
+    read -ra words <<<"$words"; gallery x.jpg; run "${words[@]}"; said ''; [[ ! -e index.html ]]
 done
 while read -ra words; do
-    rm -rf tessel && run "${words[@]:1}"
+    rm -rf tessel; run "${words[@]:1}"
     [[ $(head -n 2 < <(djpeg tessel/x.jpg)) == $'P6\n'"${words[0]} $((words[0] * 2 / 3))" ]]
-    path=${words[-1]}/ && [[ $(sed -n 4p index.html) == "<h2>${words[-1]##*/}</h2>" ]]
+    path=${words[-1]}/; [[ $(sed -n 4p index.html) == "<h2>${words[-1]##*/}</h2>" ]]
     said "Reading ${path}x.jpg
 ${path}x.jpg Width=1200 Height=800 mBits=8 Data != NULL
 sizeof(Tpixel)=1
@@ -54,11 +54,11 @@ done <<'END'
 50 -tsize -tsize 50 .
 64 -tsize 9 -tsize 64 .
 END
-mkdir 70 && cp x.jpg 70 && run -tsize 70 && [[ $(head -n 2 < <(djpeg 70/tessel/x.jpg)) == $'P6\n70 46' ]]
-grey 8 8 >x.jpg && rm $base && run -tsize 2147483647 . && said '*Data != NULL'
+mkdir 70; cp x.jpg 70; run -tsize 70; [[ $(head -n 2 < <(djpeg 70/tessel/x.jpg)) == $'P6\n70 46' ]]
+grey 8 8 >x.jpg; rm $base; run -tsize 2147483647 .; said '*Data != NULL'
 
 # Each line is written in one piece, whatever it holds and however long it is.
-gallery && { printf 'P6 300 200 255\n' && head -c 180000 < <(yes); } | cjpeg | head -c -99 >$'line\nfeed.jpg'
+gallery; { printf 'P6 300 200 255\n'; head -c 180000 < <(yes); } | cjpeg | head -c -99 >$'line\nfeed.jpg'
 python3 - "$version" <<'END'
 import os, socket, subprocess, sys
 usage = ["tessel <options> <foldername>\n", "       options: -tsize <thumbsize>\n",
@@ -78,28 +78,28 @@ for folder in None, ".", "." + "/." * 2000:
 END
 
 # What is new or later is made again, and nothing else.
-gallery a.jpg b.jpg && touch -d @1000000 a.jpg && touch -d @-200000 b.jpg && run
+gallery a.jpg b.jpg; touch -d @1000000 a.jpg; touch -d @-200000 b.jpg; run
 for time in -100000 1000000 1000001 8589934592; do
-    touch -d @$time b.jpg && run && said $'Reading ./b.jpg\n*' && [[ $(grep -c Reading "$work/said") == 1 ]]
-    run && said ''
+    touch -d @$time b.jpg; run; said $'Reading ./b.jpg\n*'; [[ $(grep -c Reading "$work/said") == 1 ]]
+    run; said ''
 done
-touch -d @5 a.jpg && rm b.jpg && run && said '' # a long's largest value, where a time doesn't fit
+touch -d @5 a.jpg; rm b.jpg; run; said '' # a long's largest value, where a time doesn't fit
 [[ $(<$base) == $'a.jpg\t1000000\nb.jpg\t'@(8589934592|2147483647) ]]
-rm $base && run && has_thumbs a.jpg && said $'Reading ./a.jpg\n*'
+rm $base; run; has_thumbs a.jpg; said $'Reading ./a.jpg\n*'
 # Whatever names have in common, and whatever records stand between theirs.
 names=(tog together 'together 1' 'together 1.jpg' 'together 12345678' 'together 123456789' $'tog\xff' $'tog\x7f')
 names+=("together 1234"{a..j})
-gallery "${names[@]/%/.jpg}" && touch -d @5 ./*.jpg && run && has_thumbs "${names[@]/%/.jpg}"
+gallery "${names[@]/%/.jpg}"; touch -d @5 ./*.jpg; run; has_thumbs "${names[@]/%/.jpg}"
 printf '%s\t9\n' a 'together 1' 'together 12345678' z >>$base
 for name in "${names[@]}"; do
-    touch -d @6 "$name.jpg" && run && said "Reading ./$name.jpg"$'\n*'
-    [[ $(grep -ac ^Reading "$work/said") == 1 ]] && run && said ''
+    touch -d @6 "$name.jpg"; run; said "Reading ./$name.jpg"$'\n*'
+    [[ $(grep -ac ^Reading "$work/said") == 1 ]]; run; said ''
 done
 
 # A run goes on past what fails.
 for obstacle in index.html $base tessel/x.jpg tessel; do
-    gallery x.jpg && echo text >text.jpg && head -c 30 x.jpg >cut.jpg && ln -s none lost.jpg && mkdir folder.jpg
-    if [[ $obstacle == tessel ]]; then rmdir tessel && echo file >tessel; else mkdir $obstacle; fi && run
+    gallery x.jpg; echo text >text.jpg; head -c 30 x.jpg >cut.jpg; ln -s none lost.jpg; mkdir folder.jpg
+    if [[ $obstacle == tessel ]]; then rmdir tessel; echo file >tessel; else mkdir $obstacle; fi; run
     for name in cut folder lost text x; do grep -q "^Reading ./$name.jpg" "$work/said"; done
     grep -q '^Empty input file$' "$work/said" # the folder
     for name in index.html $base tessel/x.jpg; do
@@ -113,46 +113,46 @@ done
 names=('a b' "\"'" $'\t' $'\n' $'\r' $'\1\177' %41 '#?' '<b>' -tsize '' $'\xff\xfe' '&amp' $'\\n$x')
 names+=("$(printf 'n%.0s' {1..251})" linked)
 gallery "${names[@]/%/.jpg}"
-mkfifo fifo.jpg $base && mkdir folder.jpg && : >empty.jpg
-ln -s circle.jpg circle.jpg && ln -s /dev/zero endless.jpg && ln -s none dangling.jpg
+mkfifo fifo.jpg $base; mkdir folder.jpg; : >empty.jpg
+ln -s circle.jpg circle.jpg; ln -s /dev/zero endless.jpg; ln -s none dangling.jpg
 ln -sf 'a b.jpg' linked.jpg
 python3 -c 'import socket; socket.socket(socket.AF_UNIX).bind("socket.jpg")'
-run && has_thumbs "${names[@]/%/.jpg}" && [[ $(find tessel -type f -printf x) == xxxxxxxxxxxxxxxxx ]]
+run; has_thumbs "${names[@]/%/.jpg}"; [[ $(find tessel -type f -printf x) == xxxxxxxxxxxxxxxxx ]]
 
 # What stands in the place of a file of the gallery makes way, and what it leads to stays as it is.
 gallery linked.jpg hard.jpg fifo.jpg socket.jpg
-echo outside >../elsewhere/file && mkdir ../elsewhere/drafts && cp "$work/picture" ../elsewhere
-ln -s ../../elsewhere/drafts $base.new && ln -s ../linked.jpg tessel && ln hard.jpg tessel
-ln -s ../elsewhere/file index.html && ln -s /dev/zero $base && mkfifo tessel/fifo.jpg
-(cd tessel && python3 -c 'import socket; socket.socket(socket.AF_UNIX).bind("socket.jpg")')
-run && has_thumbs linked.jpg hard.jpg fifo.jpg socket.jpg && [[ ! -e $base.new ]]
+echo outside >../elsewhere/file; mkdir ../elsewhere/drafts; cp "$work/picture" ../elsewhere
+ln -s ../../elsewhere/drafts $base.new; ln -s ../linked.jpg tessel; ln hard.jpg tessel
+ln -s ../elsewhere/file index.html; ln -s /dev/zero $base; mkfifo tessel/fifo.jpg
+(cd tessel; python3 -c 'import socket; socket.socket(socket.AF_UNIX).bind("socket.jpg")')
+run; has_thumbs linked.jpg hard.jpg fifo.jpg socket.jpg; [[ ! -e $base.new ]]
 for name in *.jpg; do cmp "$work/picture" "$name"; done
 [[ -f index.html && ! -L index.html && -f $base && ! -L $base ]]
 [[ $(<../elsewhere/file) == outside && -z $(ls ../elsewhere/drafts) ]]
-grey 400 2 >wide.jpg && ln -s none tessel/wide.jpg && run -tsize 40000 . && [[ -L tessel/wide.jpg ]]
+grey 400 2 >wide.jpg; ln -s none tessel/wide.jpg; run -tsize 40000 .; [[ -L tessel/wide.jpg ]]
 
 # Of links in the thumbnail folder's place only those to a thumbnail folder are followed: one that is
 # empty, or holds a database.
 for held in '' tesselbase.txt x.jpg missing; do
-    gallery x.jpg && rmdir tessel && ln -s ../elsewhere tessel
+    gallery x.jpg; rmdir tessel; ln -s ../elsewhere tessel
     case $held in '') ;; missing) rmdir ../elsewhere ;; *) echo original >../elsewhere/$held ;; esac
-    run && said $'Reading ./x.jpg\n*\nWriting ./tessel/x.jpg' && [[ -L tessel && $(<index.html) == *"$end" ]]
-    first=$(<"$work/said") && run
+    run; said $'Reading ./x.jpg\n*\nWriting ./tessel/x.jpg'; [[ -L tessel && $(<index.html) == *"$end" ]]
+    first=$(<"$work/said"); run
     case $held in
-        x.jpg) said "$first" && [[ $(ls ../elsewhere) == x.jpg && $(<../elsewhere/x.jpg) == original ]] ;;
-        missing) said "$first" && [[ ! -e ../elsewhere ]] ;;
-        *) said '' && has_thumbs x.jpg && grep -q '^x.jpg' ../elsewhere/tesselbase.txt ;;
+        x.jpg) said "$first"; [[ $(ls ../elsewhere) == x.jpg && $(<../elsewhere/x.jpg) == original ]] ;;
+        missing) said "$first"; [[ ! -e ../elsewhere ]] ;;
+        *) said ''; has_thumbs x.jpg; grep -q '^x.jpg' ../elsewhere/tesselbase.txt ;;
     esac
 done
 
 # Ordinary files keep mode and owner.
-gallery x.jpg && touch $base tessel/x.jpg index.html && chmod 604 $base tessel/x.jpg index.html
+gallery x.jpg; touch $base tessel/x.jpg index.html; chmod 604 $base tessel/x.jpg index.html
 [[ $EUID -ne 0 ]] || chown 65534:65533 $base tessel/x.jpg index.html
-owner=$(stat -c '604 %u' $base) && run && has_thumbs x.jpg && [[ -s $base && -s index.html ]]
+owner=$(stat -c '604 %u' $base); run; has_thumbs x.jpg; [[ -s $base && -s index.html ]]
 [[ $(stat -c '%a %u' $base tessel/x.jpg index.html | sort -u) == "$owner" ]]
 
 # A picture on which somebody holds a lease is waited for.
-gallery x.jpg && python3 - <<'END' && [[ -s $base ]] && has_thumbs x.jpg
+gallery x.jpg; python3 - <<'END'; [[ -s $base ]]; has_thumbs x.jpg
 import fcntl, signal, subprocess
 with open("x.jpg", "r+b") as picture:
     signal.signal(signal.SIGIO, lambda *_: fcntl.fcntl(picture, fcntl.F_SETLEASE, fcntl.F_UNLCK))
@@ -161,76 +161,76 @@ with open("x.jpg", "r+b") as picture:
 END
 
 # Readers that go away end nothing.
-gallery {a,b,c}.jpg && head -c -20 a.jpg >cut.jpg
-{ sleep 0.2 && tessel . 2>&1 && echo goes on >status; } | true
-[[ $(<status) == 'goes on' && -s tessel/cut.jpg ]] && has_thumbs {a,b,c}.jpg && run && said ''
+gallery {a,b,c}.jpg; head -c -20 a.jpg >cut.jpg
+{ sleep 0.2; tessel . 2>&1; echo goes on >status; } | true
+[[ $(<status) == 'goes on' && -s tessel/cut.jpg ]]; has_thumbs {a,b,c}.jpg; run; said ''
 
 # Runs that are killed, or two at once, end like one.
-gallery {1..20}.jpg && printf 'gone.jpg\t7\n' >$base && run && expected=$(state)
+gallery {1..20}.jpg; printf 'gone.jpg\t7\n' >$base; run; expected=$(state)
 for i in {0..39}; do
-    rm tessel/* && printf 'gone.jpg\t7\n' >$base
+    rm tessel/*; printf 'gone.jpg\t7\n' >$base
     tessel . &>/dev/null &
     if ((i % 4)); then sleep "$(printf 0.%03d "$i")"; kill -KILL $! || true; else tessel .; fi &>/dev/null
     wait $! 2>/dev/null || true
-    run && [[ $(state) == "$expected" ]]
+    run; [[ $(state) == "$expected" ]]
 done
 
 # Runs within small limits. Three descriptors are the standard ones, and the page takes up the next.
 # Sanitizers and emulators need more to start with.
-gallery {1..50}.jpg && run && has_thumbs {1..50}.jpg && expected=$(state)
+gallery {1..50}.jpg; run; has_thumbs {1..50}.jpg; expected=$(state)
 less='exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-; ulimit -n'
 if under "$less 4;"; then
-    under "$less 4;" . && said 'Reading *' && [[ $(state) == "$expected" ]]
-    rm -r tessel && under "$less 5;" . && [[ $(state) == "$expected" ]]
+    under "$less 4;" .; said 'Reading *'; [[ $(state) == "$expected" ]]
+    rm -r tessel; under "$less 5;" .; [[ $(state) == "$expected" ]]
 fi
-rm -r tessel && under 'exec >&-;' . && [[ $(state) == "$expected" ]]
-rm -r tessel && under 'exec <&- >&- 2>&-;' . && [[ $(state) == "$expected" ]]
-gallery && grey 9000 9000 -progressive >large.jpg && grey 20000 14000 >long.jpg
-run && [[ -s tessel/large.jpg && -s tessel/long.jpg ]] && rm -r tessel
+rm -r tessel; under 'exec >&-;' .; [[ $(state) == "$expected" ]]
+rm -r tessel; under 'exec <&- >&- 2>&-;' .; [[ $(state) == "$expected" ]]
+gallery; grey 9000 9000 -progressive >large.jpg; grey 20000 14000 >long.jpg
+run; [[ -s tessel/large.jpg && -s tessel/long.jpg ]]; rm -r tessel
 if under 'ulimit -v 60000;'; then
-    under 'ulimit -v 60000;' . && said $'*Reading ./large.jpg\n*' && [[ ! -e tessel/large.jpg && -s tessel/long.jpg ]]
-    rm large.jpg && cp "$work/picture" grown.jpg && under 'ulimit -v 60000;' -tsize 30000 .
-    [[ ! -e tessel/grown.jpg ]] && run && said ''
+    under 'ulimit -v 60000;' .; said $'*Reading ./large.jpg\n*'; [[ ! -e tessel/large.jpg && -s tessel/long.jpg ]]
+    rm large.jpg; cp "$work/picture" grown.jpg; under 'ulimit -v 60000;' -tsize 30000 .
+    [[ ! -e tessel/grown.jpg ]]; run; said ''
 fi
 
 # Databases of anything are read, and healed.
 gallery x.jpg
 for content in 'cat "$0"' 'head -c 100000000 /dev/zero' 'yes ""' 'yes x.jpg 9' \
     'tr "\\0" "\\t" </dev/zero' 'tr "\\0" 9 </dev/zero' 'seq -f "%.0f.jpg	1" 1000000'; do
-    rm -f tessel/x.jpg && head -c 50000000 < <(bash -c "$content" "$work/bin/program" 2>/dev/null) >$base
-    run && has_thumbs x.jpg && cp $base "$work/healed" && run && said '' && cmp $base "$work/healed"
+    rm -f tessel/x.jpg; head -c 50000000 < <(bash -c "$content" "$work/bin/program" 2>/dev/null) >$base
+    run; has_thumbs x.jpg; cp $base "$work/healed"; run; said ''; cmp $base "$work/healed"
 done
 
 # A hundred thousand entries are done on a small stack.
-gallery last.jpg && seq -f %.0f.jpg 100000 | xargs touch
-under 'ulimit -s 256;' . && has_thumbs last.jpg && [[ $(tail -c 99 index.html) == *"$end" ]]
+gallery last.jpg; seq -f %.0f.jpg 100000 | xargs touch
+under 'ulimit -s 256;' .; has_thumbs last.jpg; [[ $(tail -c 99 index.html) == *"$end" ]]
 [[ $(wc -l <$base) == 100001 ]]
 
 # A full disk ends the run, and the next goes on. A database that can't be written whole doesn't take
 # the place of the old one.
 full='trap "" XFSZ; ulimit -f 8;'
-gallery && grey 1000 1000 >noise.jpg
+gallery; grey 1000 1000 >noise.jpg
 if under "$full" -tsize 1000 .; then false; fi
-said '*Output file write error --- out of disk space?*' && run && [[ -s tessel/noise.jpg ]]
-seq -f $'%.0f.jpg\t1' 10000 12000 >$base && printf 'noise.jpg\t99999999999\n' >>$base && expected=$(state)
-under "$full" . && said '' && [[ $(state) == "$expected" && ! -e $base.new ]]
+said '*Output file write error --- out of disk space?*'; run; [[ -s tessel/noise.jpg ]]
+seq -f $'%.0f.jpg\t1' 10000 12000 >$base; printf 'noise.jpg\t99999999999\n' >>$base; expected=$(state)
+under "$full" .; said ''; [[ $(state) == "$expected" && ! -e $base.new ]]
 
 # What can't be changed stays as it is; the superuser, who may change everything, becomes somebody else.
-other='' && [[ $EUID -ne 0 ]] || other='exec setpriv --reuid=65534 --regid=65534 --clear-groups tessel "$@";'
+other=''; [[ $EUID -ne 0 ]] || other='exec setpriv --reuid=65534 --regid=65534 --clear-groups tessel "$@";'
 under "$other" || exit 0
-gallery x.jpg && chmod 555 . tessel && expected=$(state)
-under "$other" . && said $'Reading ./x.jpg\n*' && [[ $(state) == "$expected" ]]
+gallery x.jpg; chmod 555 . tessel; expected=$(state)
+under "$other" .; said $'Reading ./x.jpg\n*'; [[ $(state) == "$expected" ]]
 # But for its files that may be.
-chmod 755 . tessel && touch index.html $base && chmod 666 index.html $base && chmod 555 . tessel
-under "$other" . && grep -q '^x.jpg' $base && [[ $(<index.html) == *"$end" ]]
-echo shared >index.html && ln index.html ../elsewhere && under "$other" . && [[ $(<index.html) == shared ]]
+chmod 755 . tessel; touch index.html $base; chmod 666 index.html $base; chmod 555 . tessel
+under "$other" .; grep -q '^x.jpg' $base; [[ $(<index.html) == *"$end" ]]
+echo shared >index.html; ln index.html ../elsewhere; under "$other" .; [[ $(<index.html) == shared ]]
 # Nor is a folder changed that may be entered, and not listed.
-chmod 755 . && rm index.html && chmod 333 . && under "$other" . && said '' && [[ ! -e index.html ]]
+chmod 755 .; rm index.html; chmod 333 .; under "$other" .; said ''; [[ ! -e index.html ]]
 # Nor a file that can't be written, or whose records can't be read.
 for mode in 444 222; do
-    gallery x.jpg && chmod 777 . tessel && printf 'old\t1\n' | tee index.html >$base
-    chmod $mode index.html $base && under "$other" . && chmod 644 index.html $base && has_thumbs x.jpg
-    [[ $(<$base) == $'old\t1' ]] && case $mode in
+    gallery x.jpg; chmod 777 . tessel; printf 'old\t1\n' | tee index.html >$base
+    chmod $mode index.html $base; under "$other" .; chmod 644 index.html $base; has_thumbs x.jpg
+    [[ $(<$base) == $'old\t1' ]]; case $mode in
         444) cmp index.html $base ;;
         222) [[ $(<index.html) == *"$end" ]] ;;
     esac

@@ -1,14 +1,8 @@
 #include "graflib/CFilterBilinearFloat.h"
 
-#include <algorithm>
-#include <cstddef>
-#include <memory>
-#include <vector>
-
-#include <array>
 #include <climits>
-#include "graflib/SinglePrecision.h"
 
+#include "graflib/SinglePrecision.h"
 #include "tests/TestSupport.h"
 
 using Line = std::vector<float>;
@@ -67,22 +61,18 @@ TEST(CFilterBilinearFloat, EqualsTheDefinition)
 
 TEST(CFilterBilinearFloat, RefusesWhatHasNoResultOrNoRoom)
 {
-    CFilterBilinearFloat<short, float> filter;
-    const auto scale = [&filter](int width, int height, int newWidth, int newHeight, int count) {
-        return OutputOf([&] {
-            EXPECT_EQ(nullptr, filter.DownScale(nullptr, width, height, newWidth, newHeight, count,
-                                                1, nullptr));
-        });
-    };
-    for (std::array<int, 5> sizes : {std::array{0, 1, 1, 1, 1},
-                                     {1, 0, 1, 1, 1},
-                                     {1, 1, 0, 1, 1},
-                                     {1, 1, 1, 0, 1},
-                                     {1, 1, 1, 1, 0}})
-        EXPECT_EQ(scale(sizes[0], sizes[1], sizes[2], sizes[3], sizes[4]), "");
     const std::string x = "***** insufficent memory in DownScale mResultVectorX=NULL\n";
     const std::string y = "***** insufficent memory in DownScale mResultVectorY=NULL\n";
-    EXPECT_EQ(scale(1, INT_MAX, INT_MAX, INT_MAX, 3), x + y);
+    const std::tuple<Sizes, int, std::string> rows[] = {
+        {{0, 1, 1, 1}, 1, ""}, {{1, 0, 1, 1}, 1, ""}, {{1, 1, 0, 1}, 1, ""},
+        {{1, 1, 1, 0}, 1, ""}, {{1, 1, 1, 1}, 0, ""}, {{1, INT_MAX, INT_MAX, INT_MAX}, 3, x + y}};
+    CFilterBilinearFloat<short, float> filter;
+    for (const auto& [sizes, components, words] : rows) {
+        const auto scale = [&, &s = sizes, &count = components] {
+            EXPECT_FALSE(filter.DownScale(nullptr, s[0], s[1], s[2], s[3], count, 1, nullptr));
+        };
+        EXPECT_EQ(OutputOf(scale), words);
+    }
 }
 
 TEST(CFilterBilinearFloat, StagesRunOnFieldsFilledByHand)

@@ -1,8 +1,6 @@
 // Both scalers on small pictures, worked out by hand: the fixed-point scaler rounds, the float
 // filter cuts.
 #include <cstring>
-#include <tuple>
-#include <vector>
 
 #include "tests/TestSupport.h"
 

@@ -50,10 +50,8 @@ TEST_F(CGraphicsJpegTest, ClaimsBeyondTheLimitsCountAsDamaged)
         {5792, 75, 0, 0, "More than 74 scans\n"}};
     for (const auto& [side, count, bytes, read, message] : rows) {
         std::string file = whole;
-        for (int i = 0; i < 2; ++i) {
-            file[size + 2 * static_cast<std::size_t>(i)] = static_cast<char>(side >> 8);
-            file[size + 2 * static_cast<std::size_t>(i) + 1] = static_cast<char>(side & 255);
-        }
+        const std::string claim{static_cast<char>(side >> 8), static_cast<char>(side & 255)};
+        file.replace(size, 4, claim + claim);
         for (int i = scans; i < count; ++i)
             file.insert(scan, one);
         if (bytes > 0)
@@ -61,12 +59,11 @@ TEST_F(CGraphicsJpegTest, ClaimsBeyondTheLimitsCountAsDamaged)
         WriteAll(mFile, "front" + file);
         CGraphicsJpeg jpeg;
         jpeg.mReadOffset = 5;
-        const std::string output = OutputOf([&, &wanted = read] {
-            int shape[3];
-            const std::unique_ptr<unsigned char[]> pixels(
-                jpeg.ReadJpeg(mPath, &shape[0], &shape[1], &shape[2]));
-            EXPECT_EQ(pixels != nullptr, wanted);
-        });
+        int shape[3];
+        std::unique_ptr<unsigned char[]> pixels;
+        const std::string output =
+            OutputOf([&] { pixels.reset(jpeg.ReadJpeg(mPath, &shape[0], &shape[1], &shape[2])); });
+        EXPECT_EQ(pixels != nullptr, read);
         EXPECT_TRUE(output.ends_with(message)) << side << ' ' << count << ' ' << output;
     }
     // A pipe, whose length isn't known, is believed.
