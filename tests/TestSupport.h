@@ -92,10 +92,8 @@ inline std::string EncodeJpeg(int width, int height, int components, const Bytes
     codec.image_width = static_cast<JDIMENSION>(width);
     codec.image_height = static_cast<JDIMENSION>(height);
     codec.input_components = components;
-    codec.in_color_space = components == 1   ? JCS_GRAYSCALE
-                           : components == 3 ? JCS_RGB
-                           : components == 4 ? JCS_CMYK
-                                             : JCS_UNKNOWN;
+    const J_COLOR_SPACE spaces[] = {JCS_GRAYSCALE, JCS_UNKNOWN, JCS_RGB, JCS_CMYK, JCS_UNKNOWN};
+    codec.in_color_space = spaces[components - 1];
     jpeg_set_defaults(&codec);
     jpeg_set_quality(&codec, quality, TRUE);
     if (progressive)
@@ -129,6 +127,8 @@ std::string OutputOf(Call call)
     } catch (CGraflibException& e) {
         TestImage().ShowGlibError(e);
         std::cerr << e.mCode << ' ' << e.mInfo;
+    } catch (const std::bad_alloc&) {
+        std::cerr << "no memory";
     }
     const std::string errors = testing::internal::GetCapturedStderr();
     return testing::internal::GetCapturedStdout() + (errors.empty() ? "" : "Errors: " + errors);

@@ -30,6 +30,10 @@ gallery() {
 grey 1200 800 >"$work/picture"; : >"$work/said"
 gallery x.jpg; run; cp tessel/x.jpg "$work/thumb"
 
+# A gallery of nothing is a gallery.
+gallery; rmdir tessel; run; said ''; [[ -f $base && ! -s $base ]]
+[[ $(<index.html) == $'<html><body>\n\n<center>\n<h2>.</h2>\n<table>\n'"$end" ]]
+
 # Size and folder come from the command line.
 for words in '. missing' '. -tsize' '-tsize 100'; do
     read -ra words <<<"$words"; gallery x.jpg; run "${words[@]}"; said ''; [[ ! -e index.html ]]
@@ -58,7 +62,7 @@ mkdir 70; cp x.jpg 70; run -tsize 70; [[ $(head -n 2 < <(djpeg 70/tessel/x.jpg))
 grey 8 8 >x.jpg; rm $base; run -tsize 2147483647 .; said '*Data != NULL'
 
 # Each line is written in one piece, whatever it holds and however long it is.
-gallery; { printf 'P6 300 200 255\n'; head -c 180000 < <(yes); } | cjpeg | head -c -99 >$'line\nfeed.jpg'
+gallery; { printf 'P6 300 200 255\n'; head -c 180000 < <(yes); } | cjpeg | head -c -1 >$'line\nfeed.jpg'
 python3 - "$version" <<'END'
 import os, socket, subprocess, sys
 usage = ["tessel <options> <foldername>\n", "       options: -tsize <thumbsize>\n",
@@ -99,7 +103,7 @@ done
 # A run goes on past what fails.
 for obstacle in index.html $base tessel/x.jpg tessel; do
     gallery x.jpg; echo text >text.jpg; head -c 30 x.jpg >cut.jpg; ln -s none lost.jpg; mkdir folder.jpg
-    if [[ $obstacle == tessel ]]; then rmdir tessel; echo file >tessel; else mkdir $obstacle; fi; run
+    if [[ $obstacle == tessel ]]; then rmdir tessel; echo file >tessel; else mkdir "$obstacle"; fi; run
     for name in cut folder lost text x; do grep -q "^Reading ./$name.jpg" "$work/said"; done
     grep -q '^Empty input file$' "$work/said" # the folder
     for name in index.html $base tessel/x.jpg; do

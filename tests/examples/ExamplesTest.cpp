@@ -50,10 +50,9 @@ TEST_F(Examples, DocumentedProgramsGoThroughWithEveryDepth)
     EXPECT_EQ(Run(TESSEL_TOUR " none.jpg ."), "failed\n" + noPicture);
     EXPECT_EQ(Run(TESSEL_README " none.jpg x"), "failed\n" + noPicture);
     for (const int components : {1, 3, 4}) {
-        // The left half lighter than the right one.
-        Bytes pixels(static_cast<std::size_t>(240 * 160 * components), 200);
-        for (std::size_t i = 0; i < pixels.size(); ++i)
-            pixels[i] = static_cast<int>(i) / components % 240 < 120 ? 200 : 100;
+        Bytes pixels;  // the left half lighter than the right one
+        for (int i = 0; i < 240 * 160 * components; ++i)
+            pixels.push_back(i / components % 240 < 120 ? 200 : 100);
         WriteAll(mFile, EncodeJpeg(240, 160, components, pixels));
         EXPECT_EQ(Run(TESSEL_TOUR " x.jpg .").find("failed"), std::string::npos);
         EXPECT_EQ(Run(TESSEL_README " x.jpg readme.jpg").find("failed"), std::string::npos);
