@@ -3,14 +3,16 @@
 
 Usage: run_commands.py PAGE TESSEL PICTURE [SECTION]
 
-Commands are the fenced blocks marked sh, indented blocks that aren't C++ and, for what readers
-needn't see, comments that begin with "<!-- sh". One shell runs them in their order, in a new
-folder with links to the project's files and with copies of PICTURE in photos/ and below it.
+Commands are the fenced blocks marked sh or bash, indented blocks that aren't C++ and, for what
+readers needn't see, comments that begin with "<!-- sh". One shell runs them in their order, in a new
+folder with links to the project's files and with copies of PICTURE in photos/ and below it. It is
+bash, but for fenced blocks marked sh, each of which has the system's sh.
 "<!-- needs PROGRAM... -->" skips everything where one of the programs isn't installed.
 """
 import os
 import pathlib
 import re
+import shlex
 import shutil
 import subprocess
 import sys
@@ -23,10 +25,9 @@ PICTURES = ["photos/beach.jpg", "photos/2023/harbour.JPG", "photos/it's summer/l
 SUBSTITUTES = [
     # They install packages, and script/test would run this again.
     (r"script/(\w+).*", r"bash -n script/\1"),
-    (r"sudo apt-get install .*", "true"),
+    (r"sudo (apt-get install .*)", r"! command -v apt-get || \1 --simulate"),
     # There may be no service manager.
-    (r"systemctl --user .*",
-     "systemd-analyze --user verify ~/.config/systemd/user/tessel.{service,timer}"),
+    (r"systemctl --user .*", "systemd-analyze --user verify ~/.config/systemd/user/tessel.*"),
 ]
 
 BLOCK = re.compile(r"^```(?P<language>\w*)\n(?P<fenced>.*?)^```$|^<!-- sh\n(?P<hidden>.*?)^-->$"
@@ -40,16 +41,31 @@ PRELUDE = ("set -Eeuo pipefail; "
            "trap 'failed \"$LINENO\" \"$?\"' ERR; ")
 
 
-def command_lines(text):
-    """Pairs of a line's number, from 1, and a line of commands."""
+def command_lines(text, page):
+    """Pairs of a line's number, from 1, and a line of commands for bash."""
     for block in BLOCK.finditer(text):
-        commands = block[block.lastgroup]
-        cplusplus = block.lastgroup == "indented" and commands.split("\n")[0].endswith(";")
-        if cplusplus or block.lastgroup == "fenced" and block["language"] != "sh":
+        kind = block.lastgroup
+        lines = block[kind].splitlines()
+        if kind == "indented" and lines[0].endswith(";"):
             continue
-        first = text.count("\n", 0, block.start(block.lastgroup)) + 1
-        for number, line in enumerate(commands.splitlines(), first):
-            yield number, line[4:] if block.lastgroup == "indented" else line
+        if kind == "fenced" and block["language"] not in ("sh", "bash"):
+            continue
+        if kind == "indented":
+            lines = [line[4:] for line in lines]
+        first = text.count("\n", 0, block.start(kind)) + 1
+        lines = [substitute(line, f"{page}:{first + i}") for i, line in enumerate(lines)]
+        if block["language"] == "sh":
+            lines = f"sh -euc {shlex.quote(chr(10).join(lines))}".split("\n")
+        yield from enumerate(lines, first)
+
+
+def substitute(line, place):
+    for pattern, other in SUBSTITUTES:
+        changed = re.sub("^" + pattern, other, line)
+        if changed != line:
+            print(f"{place}: instead of {line.strip()}: {changed}", flush=True)
+            return changed
+    return line
 
 
 def is_complete(command):
@@ -62,12 +78,7 @@ def make_script(text, page):
     script = [PRELUDE] + [""] * text.count("\n")
     command = ""
     begin = 0
-    for number, line in command_lines(text):
-        for pattern, substitute in SUBSTITUTES:
-            changed = re.sub("^" + pattern, substitute, line)
-            if changed != line:
-                print(f"{page}:{number}: instead of {line.strip()}: {changed}", flush=True)
-                line = changed
+    for number, line in command_lines(text, page):
         if not command:
             script[number - 1] += f"checked {begin} $?; "
             begin = number
