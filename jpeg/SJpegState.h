@@ -38,4 +38,7 @@ struct SJpegState
     unsigned char* mWriteCursor;  // where in mImageData the next decoded row goes
 };
 
+/// Lets the decompressor read from state.mInput.
+void SetInput(SJpegState& state);
+
 #endif
