@@ -26,6 +26,12 @@ TEST_F(CGraphicsJpegTest, EveryTruncationAndByteChangeEndsCleanly)
     });
     EXPECT_TRUE(pictures > 10 && pictures < std::ssize(whole) - 100) << pictures;
     EXPECT_TRUE(isRead(whole) && width == 16 && height == 16 && jpeg.mComponents == 3);
+    jpeg.mReadOffset = -1;  // which can't be reached
+    for (int i = 0; i < 40; ++i)
+        EXPECT_FALSE(isRead(whole));
+    const int next = dup(STDOUT_FILENO);
+    EXPECT_LT(next, 40) << "files were left open";
+    close(next);
 }
 
 TEST_F(CGraphicsJpegTest, ClaimsBeyondTheLimitsCountAsDamaged)
