@@ -1,6 +1,7 @@
 #ifndef TESSEL_GRAFLIB_FIXEDPOINTTYPES_H
 #define TESSEL_GRAFLIB_FIXEDPOINTTYPES_H
 
+#include <algorithm>
 #include <cstdint>
 
 #include "graflib/CDataRect.h"
@@ -26,13 +27,10 @@ struct CFixT
     friend CFixT operator*(CFixT a, CFixT b)
     {
         CFixT product;
-        product.mValue = static_cast<std::int32_t>(WideProduct(a, b));
+        product.mValue = static_cast<std::int32_t>(Multiply(a.mValue, b.mValue));
         return product;
     }
-
-    /// The product with all its bits.
-    static std::int64_t WideProduct(CFixT a, CFixT b) { return Multiply(a.mValue, b.mValue); }
-    /// The same of numbers times kOne.
+    /// The same of numbers times kOne, with all its bits.
     static std::int64_t Multiply(std::int64_t a, std::int64_t b) { return (a * b) >> SHIFT; }
 
     /// The whole number below.
@@ -42,24 +40,25 @@ struct CFixT
 };
 
 /// The source columns or rows, first to last, under a destination column or row number `index`, and
-/// how much of each is covered. Nothing is where `step` is 0.
+/// how much of each is covered. There is but one, and nothing of it, where `step` is 0.
 template <int SHIFT>
 struct SSpanT
 {
     int mFirst;                 ///< the first column or row
     int mLast;                  ///< the last one
     std::int32_t mFirstWeight;  ///< of the first, times CFixT::kOne
-    std::int32_t mLastWeight;   ///< of the last; the same as mFirstWeight where there is but one
+    std::int32_t mLastWeight;   ///< of the last; 0 where there is but one
 
     /// `step` source columns or rows make one destination column or row.
     SSpanT(int index, CFixT<SHIFT> step)
     {
+        constexpr std::int32_t kOne = CFixT<SHIFT>::kOne;
         const std::int32_t start = index * step.mValue;
         const std::int32_t end = start + step.mValue;
         mFirst = start >> SHIFT;
         mLast = (end - 1) >> SHIFT;
-        mFirstWeight = mLast > mFirst ? (mFirst + 1) * CFixT<SHIFT>::kOne - start : step.mValue;
-        mLastWeight = mLast > mFirst ? end - mLast * CFixT<SHIFT>::kOne : step.mValue;
+        mFirstWeight = mLast > mFirst ? (mFirst + 1) * kOne - start : step.mValue;
+        mLastWeight = mLast > mFirst ? end - mLast * kOne : 0;
     }
 
     /// How much of column or row `i` is covered, from mFirst to mLast.

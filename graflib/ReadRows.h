@@ -4,11 +4,11 @@
 // The rows of a picture that is scaled while it is read: a part of DownScaleFix2.cpp, for no other
 // source.
 #include <algorithm>
-#include <cstddef>
 #include <cstring>
 #include <vector>
 
 #include "graflib/CGraflib.h"
+#include "graflib/PixelWalk.h"
 #include "util/SizeProduct.h"
 
 /// Reads the picture that `image` has opened and keeps the rows asked for last. `opened` has its
@@ -18,38 +18,35 @@ class CReadRows
 {
 public:
     CReadRows(CGraflib* image, const CDataRect& opened, const char* name)
-        : mImage(image), mName(name), mPicture(opened), mRows(opened.RowBytes())
+        : mImage(image), mName(name), mOpened(opened), mRows(opened.RowBytes())
     {
     }
 
-    /// The rows from `first` to `last`. Neither may be less than in the call before.
+    /// The rows from `first` to `last`. `first` is the last row of the call before, or the next.
     const unsigned char* Rows(int first, int last)
     {
-        mRows.resize(std::max(mRows.size(), SizeProduct(last - first + 1, mPicture.RowBytes())));
-        if (first < mNext)  // rows that are there already move to the front
-            std::memmove(Row(0), Row(first - mFirst),
-                         SizeProduct(mNext - first, mPicture.RowBytes()));
+        mRows.resize(std::max(mRows.size(), SizeProduct(last - first + 1, mOpened.RowBytes())));
+        if (first < mNext)
+            std::memmove(Row(0), Row(first - mFirst), mOpened.RowBytes());
         mFirst = first;
         while (mNext <= last)
-            Read(std::max(mNext - first, 0));
+            Read(mNext - first);
         return Row(0);
     }
 
-    /// Reads the rows that nothing is made of. Returns the picture as it would have been read, but
-    /// that its buffer is that of the rows at hand.
-    CDataRect Finish()
+    /// Reads the rows that nothing is made of, closes the file, and writes the line of Show that
+    /// the picture would have got.
+    void Finish()
     {
-        while (mNext < mPicture.mHeight)
+        while (mNext < mOpened.mHeight)
             Read(0);
-        mPicture.mData = Row(0);
-        return mPicture;
+        mImage->CloseReadLine();
+        mOpened.mData = Row(0);
+        ShowRecord(mName, mOpened);
     }
 
 private:
-    unsigned char* Row(int index)
-    {
-        return mRows.data() + static_cast<std::size_t>(index) * mPicture.RowBytes();
-    }
+    unsigned char* Row(int index) { return mRows.data() + SizeProduct(index, mOpened.RowBytes()); }
 
     void Read(int index)
     {
@@ -60,7 +57,7 @@ private:
 
     CGraflib* mImage;
     const char* mName;
-    CDataRect mPicture;
+    CDataRect mOpened;
     std::vector<unsigned char> mRows;
     int mFirst = 0;  // the first row in mRows
     int mNext = 0;   // the row that will be read next

@@ -60,11 +60,9 @@ struct SDivisor
 {
     static constexpr std::int64_t kMostArea = 1 << 23;
 
-    explicit SDivisor(std::int64_t area)
-        : mArea(area),
-          mReciprocal((std::uint64_t{1} << 56) / static_cast<std::uint64_t>(2 * area) + 1)
-    {
-    }
+    std::int64_t mArea;
+    std::uint64_t mReciprocal =
+        (std::uint64_t{1} << 56) / static_cast<std::uint64_t>(2 * mArea) + 1;
 
     template <typename Tfix>
     void Store(const Tfix& sums, Tpixel* dest) const
@@ -76,9 +74,6 @@ struct SDivisor
             dest->mSamples[k] = static_cast<typename Tpixel::Sample>(dividend * mReciprocal >> 56);
         }
     }
-
-    std::int64_t mArea;
-    std::uint64_t mReciprocal;
 };
 
 /// The source rows under a destination row and what they add up to. Held by value: behind a
@@ -108,10 +103,12 @@ TESSEL_VERSIONS void WeighRows(const Trow row, Tsum* __restrict weighted, std::s
 
 /// Makes the pixels of a destination row. Not inlined, for the sake of the registers.
 template <int SHIFT, typename Tfix, typename Trow, typename Tpixel>
-[[gnu::noinline]] void MakePixels(const Trow row, CFixT<SHIFT> step, const SDivisor<Tpixel> divisor,
+[[gnu::noinline]] void MakePixels(const Trow row, CFixT<SHIFT> step, std::int64_t area,
                                   Tpixel* dest, int width)
 {
+    const SDivisor<Tpixel> divisor{area};
     for (int x = 0; x < width; ++x) {
+        const SSpanT<SHIFT> columns(x, step);
         Tfix sums;
         const auto addEdge = [&](int column, std::int32_t weight) {
             const std::ptrdiff_t i = std::ptrdiff_t{column} * Tpixel::kComponents;
@@ -119,7 +116,6 @@ template <int SHIFT, typename Tfix, typename Trow, typename Tpixel>
             sums.Add(row.mTop + i, CFixT<SHIFT>::Multiply(weight, row.mTopWeight));
             sums.Add(row.mBottom + i, CFixT<SHIFT>::Multiply(weight, row.mBottomWeight));
         };
-        const SSpanT<SHIFT> columns(x, step);
         addEdge(columns.mFirst, columns.mFirstWeight);
         for (int column = columns.mFirst + 1; column < columns.mLast; ++column)
             sums.Add(row.mWeighted + std::ptrdiff_t{column} * Tpixel::kComponents, 1);
