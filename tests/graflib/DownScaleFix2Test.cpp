@@ -77,4 +77,8 @@ TEST(DownScaleFix2, SaysWhatItDoes)
         EXPECT_EQ(OutputOf([&, &w = width] { image.DownScaleFix2(w, 2); }), words);
         EXPECT_TRUE((image.mData != before) == isDone && (image.mWidth == 2) == isDone);
     }
+    TestImage image({1, 1, 8}, {1});
+    SPixel1i<unsigned char>* const nowhere = nullptr;
+    const auto scale = [&] { image.DownScalePicture<16, CPixel1fixT<16>>(nowhere, 0, 1); };
+    EXPECT_EQ(OutputOf(scale), "sizeof(Tpixel)=1\n");
 }

@@ -127,6 +127,7 @@ TEST_F(CGraphicsJpegTest, SizesOf16BitsAreRightOr0)
         });
         EXPECT_TRUE(sides[0] == (fits ? width : 0) && sides[1] == (fits ? height : 0)) << width;
         EXPECT_EQ(components, fits ? 1 : 7);
+        sides[0] = sides[1] = 7;
         OutputOf([&] { delete[] jpeg.ReadJpeg(mPath, &sides[0], &sides[1], 0); });
         EXPECT_TRUE(sides[0] == static_cast<short>(width) &&
                     sides[1] == static_cast<short>(height));
