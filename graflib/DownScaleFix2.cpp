@@ -31,7 +31,6 @@
 #include "graflib/CGraflib.h"
 #include "graflib/FixedPointTypes.h"
 #include "graflib/PixelTypes.h"
-#include "graflib/PixelWalk.h"
 #include "graflib/ReadRows.h"
 #include "graflib/ScaledRow.h"
 #include "graflib/SinglePrecision.h"
@@ -105,12 +104,12 @@ void ShowScaled(const CDataRect& source, int width, int height, bool isScaled)
     TESSEL_WITH_SHIFTS(DO, CPixel3fixT, SPixel3i<unsigned char>) \
     TESSEL_WITH_SHIFTS(DO, CPixel4fixT, SPixel4i<unsigned char>)
 
-/// Where a walk takes its source rows from, neighbouring ones from `first` to `last`. It asks for
-/// them in ascending order; those of one destination row may belong to the next, too.
+/// Where the walk takes its source rows from, those from `first` to `last`. Each time, `first` is
+/// the last row of the time before, or the next.
 using RowSource = std::function<const unsigned char*(int first, int last)>;
 
-/// Makes the pixels that GetScaledPicturePixel makes one by one, row by row. A Tcolumn takes the
-/// sum of a column's full rows, a Tsum that of all its rows, weighted.
+/// Makes row by row the pixels that GetScaledPicturePixel makes one by one. A Tcolumn takes the sum
+/// of a column's full rows, a Tsum that of all its rows, weighted.
 template <int SHIFT, typename Tfix, typename Tcolumn, typename Tsum, typename Tpixel>
 void WalkRows(const SScaleParams<SHIFT, Tpixel>& params, const RowSource& source, int width,
               int height)
@@ -125,7 +124,7 @@ void WalkRows(const SScaleParams<SHIFT, Tpixel>& params, const RowSource& source
         const int below = std::max(rows.mLast - rows.mFirst, 0);
         const auto* const pixels =
             reinterpret_cast<const Tpixel*>(source(rows.mFirst, rows.mFirst + below));
-        if (area == 0) {  // no pixel has a footprint
+        if (area == 0) {  // footprints vanish: each pixel is the one in which its own starts
             for (int x = 0; x < width; ++x)
                 dest[x] = pixels[SSpanT<SHIFT>(x, params.mStepX).mFirst];
             continue;
@@ -135,7 +134,8 @@ void WalkRows(const SScaleParams<SHIFT, Tpixel>& params, const RowSource& source
         const SRowSums<typename Tpixel::Sample, Tcolumn, Tsum> row{
             top, bottom, rows.mFirstWeight, rows.mLastWeight, full.data(), weighted.data()};
         SumRows(full, top + length, std::max(below - 1, 0));
-        WeighRows<SHIFT>(row, weighted.data(), length);
+        if (params.mStepX.mValue > CFixT<SHIFT>::kOne)  // else no pixel has full columns
+            WeighRows<SHIFT>(row, weighted.data(), length);
         MakePixels<SHIFT, Tfix>(row, params.mStepX, area, dest, width);
     }
 }
@@ -163,7 +163,8 @@ RowSource BufferedRows(const CDataRect& picture)
     };
 }
 
-/// Makes a picture's pixels out of its rows, `source`; null where it can't be scaled.
+/// The pixels of a picture scaled to `width` x `height`, made out of its rows; null where it can't
+/// be scaled.
 std::unique_ptr<unsigned char[]> ScaleRows(const CDataRect& picture, const RowSource& source,
                                            int width, int height)
 {

@@ -1,7 +1,6 @@
 #ifndef TESSEL_GRAFLIB_FIXEDPOINTTYPES_H
 #define TESSEL_GRAFLIB_FIXEDPOINTTYPES_H
 
-#include <algorithm>
 #include <cstdint>
 
 #include "graflib/CDataRect.h"
@@ -40,7 +39,7 @@ struct CFixT
 };
 
 /// The source columns or rows, first to last, under a destination column or row number `index`, and
-/// how much of each is covered. There is but one, and nothing of it, where `step` is 0.
+/// how much of each is covered. Nothing is where `step` is 0: mLast lies before mFirst then.
 template <int SHIFT>
 struct SSpanT
 {

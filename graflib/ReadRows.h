@@ -22,7 +22,7 @@ public:
     {
     }
 
-    /// The rows from `first` to `last`. `first` is the last row of the call before, or the next.
+    /// The rows from `first`, the last one of the call before or the next, to `last`.
     const unsigned char* Rows(int first, int last)
     {
         mRows.resize(std::max(mRows.size(), SizeProduct(last - first + 1, mOpened.RowBytes())));
