@@ -47,7 +47,8 @@ TEST_F(CFileIOTest, ReadLineEndsLinesAtLineFeedsAndDropsCarriageReturns)
         while (read.size() < 9 && mIO.ReadLine(&read.back()))
             read.emplace_back();
         EXPECT_EQ(read, lines) << content;
-        EXPECT_TRUE(mIO.IsEof() && !mIO.ReadLine(&read[0]) && read[0].empty());
+        EXPECT_TRUE(mIO.IsEof() && !mIO.SetReadPos(0));
+        EXPECT_TRUE(!mIO.ReadLine(&read[0]) && read[0].empty());
         EXPECT_TRUE(mIO.GetReadPos() == -1 && mIO.GetChar() == 0);  // until Clear
         mIO.Clear();
         EXPECT_TRUE(mIO.SetReadPos(0) && mIO.ReadLine(&first) == (lines.size() > 1));
