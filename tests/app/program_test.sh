@@ -160,7 +160,10 @@ gallery x.jpg; python3 - <<'END'; [[ -s $base ]]; has_thumbs x.jpg
 import fcntl, signal, subprocess
 with open("x.jpg", "r+b") as picture:
     signal.signal(signal.SIGIO, lambda *_: fcntl.fcntl(picture, fcntl.F_SETLEASE, fcntl.F_UNLCK))
-    fcntl.fcntl(picture, fcntl.F_SETLEASE, fcntl.F_WRLCK)
+    try:
+        fcntl.fcntl(picture, fcntl.F_SETLEASE, fcntl.F_WRLCK)
+    except (AttributeError, OSError):
+        print("program_test: no leases in this system")
     subprocess.run(["timeout", "300", "tessel", "."], check=True, capture_output=True)
 END
 
