@@ -64,6 +64,8 @@ TEST_F(CGraflibJpegTest, EveryDepthIsReadAndWrittenAsColour)
             EXPECT_EQ(out.WriteLine(rgb.data()), 0);
         }
         EXPECT_TRUE(ReadAll(mFile) == expected + expected + expected) << components;
+        EXPECT_TRUE(out.OpenReadLine(source.c_str()) && out.OpenWriteLine(mPath));
+        EXPECT_LT(fs::file_size(mFile), expected.size());  // the mode was that of the writer before
     }
 }
 
