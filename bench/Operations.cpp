@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "tests/graflib/PixelByPixel.h"
+#include "fuzz/PixelByPixel.h"
 
 namespace {
 

@@ -1,13 +1,11 @@
 // Draws the seeds of the fuzz targets: small pictures of every kind, databases, texts, sizes.
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <string>
 #include <vector>
-// libjpeg's header wants stdio's names declared before it.
-#include <jpeglib.h>
+
+#include "fuzz/EncodeJpeg.h"
 
 namespace fs = std::filesystem;
 
@@ -17,17 +15,11 @@ struct SKind
 {
     const char* mName;
     int mComponents;
-    J_COLOR_SPACE mInput;
     J_COLOR_SPACE mFile;
     void (*mChange)(jpeg_compress_struct& codec);
 };
 
 void Plain(jpeg_compress_struct& /*codec*/) {}
-
-void Progressive(jpeg_compress_struct& codec)
-{
-    jpeg_simple_progression(&codec);
-}
 
 void Arithmetic(jpeg_compress_struct& codec)
 {
@@ -69,52 +61,36 @@ void SingleScans(jpeg_compress_struct& codec)
 }
 
 constexpr SKind kKinds[] = {
-    {"baseline", 3, JCS_RGB, JCS_YCbCr, Plain},
-    {"progressive", 3, JCS_RGB, JCS_YCbCr, Progressive},
-    {"grey", 1, JCS_GRAYSCALE, JCS_GRAYSCALE, Plain},
-    {"grey_progressive", 1, JCS_GRAYSCALE, JCS_GRAYSCALE, Progressive},
-    {"rgb", 3, JCS_RGB, JCS_RGB, Plain},
-    {"cmyk", 4, JCS_CMYK, JCS_CMYK, Plain},
-    {"ycck", 4, JCS_CMYK, JCS_YCCK, Plain},
-    {"arithmetic", 3, JCS_RGB, JCS_YCbCr, Arithmetic},
-    {"restarts", 3, JCS_RGB, JCS_YCbCr, Restarts},
-    {"odd_sampling", 3, JCS_RGB, JCS_YCbCr, OddSampling},
-    {"full_sampling", 3, JCS_RGB, JCS_YCbCr, FullSampling},
-    {"tall_sampling", 3, JCS_RGB, JCS_YCbCr, TallSampling},
-    {"two_components", 2, JCS_UNKNOWN, JCS_UNKNOWN, Plain},
-    {"five_components", 5, JCS_UNKNOWN, JCS_UNKNOWN, SingleScans},
+    {"baseline", 3, JCS_YCbCr, Plain},
+    {"progressive", 3, JCS_YCbCr, Progressive},
+    {"grey", 1, JCS_GRAYSCALE, Plain},
+    {"grey_progressive", 1, JCS_GRAYSCALE, Progressive},
+    {"rgb", 3, JCS_RGB, Plain},
+    {"cmyk", 4, JCS_CMYK, Plain},
+    {"ycck", 4, JCS_YCCK, Plain},
+    {"arithmetic", 3, JCS_YCbCr, Arithmetic},
+    {"restarts", 3, JCS_YCbCr, Restarts},
+    {"odd_sampling", 3, JCS_YCbCr, OddSampling},
+    {"full_sampling", 3, JCS_YCbCr, FullSampling},
+    {"tall_sampling", 3, JCS_YCbCr, TallSampling},
+    {"two_components", 2, JCS_UNKNOWN, Plain},
+    {"five_components", 5, JCS_UNKNOWN, SingleScans},
 };
 
-std::string Encode(const SKind& kind, JDIMENSION width, JDIMENSION height)
+std::string Encode(const SKind& kind)
 {
-    jpeg_compress_struct codec{};
-    jpeg_error_mgr errors{};
-    codec.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&codec);
-    unsigned char* bytes = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&codec, &bytes, &size);
-    codec.image_width = width;
-    codec.image_height = height;
-    codec.input_components = kind.mComponents;
-    codec.in_color_space = kind.mInput;
-    jpeg_set_defaults(&codec);
-    jpeg_set_colorspace(&codec, kind.mFile);
-    jpeg_set_quality(&codec, 60, TRUE);
-    kind.mChange(codec);
-    jpeg_start_compress(&codec, TRUE);
-    std::vector<unsigned char> row(width * static_cast<JDIMENSION>(kind.mComponents));
-    while (codec.next_scanline < height) {
-        for (std::size_t i = 0; i < row.size(); ++i)
-            row[i] = static_cast<unsigned char>(i * 11 + codec.next_scanline * 29);
-        unsigned char* line = row.data();
-        jpeg_write_scanlines(&codec, &line, 1);
+    constexpr int kWidth = 21;
+    constexpr int kHeight = 13;
+    std::vector<unsigned char> pixels;
+    for (int y = 0; y < kHeight; ++y) {
+        for (int i = 0; i < kWidth * kind.mComponents; ++i)
+            pixels.push_back(static_cast<unsigned char>(i * 11 + y * 29));
     }
-    jpeg_finish_compress(&codec);
-    jpeg_destroy_compress(&codec);
-    std::string file(bytes, bytes + size);
-    std::free(bytes);
-    return file;
+    return EncodeJpeg(kWidth, kHeight, kind.mComponents, pixels, 60,
+                      [&kind](jpeg_compress_struct& codec) {
+                          jpeg_set_colorspace(&codec, kind.mFile);
+                          kind.mChange(codec);
+                      });
 }
 
 void Save(const fs::path& path, const std::string& content)
@@ -126,13 +102,13 @@ void SavePictures(const fs::path& folder)
 {
     fs::create_directories(folder);
     for (const SKind& kind : kKinds) {
-        const std::string file = Encode(kind, 21, 13);
+        const std::string file = Encode(kind);
         Save(folder / kind.mName, file);
         Save(folder / (std::string(kind.mName) + "_behind_junk"), "junk" + file + '\4');
         Save(folder / (std::string(kind.mName) + "_cut"), file.substr(0, file.size() * 3 / 4));
     }
     // What libjpeg refuses: 12 bits to a sample, and lossless files.
-    const std::string file = Encode(kKinds[0], 21, 13);
+    const std::string file = Encode(kKinds[0]);
     const std::size_t frame = file.find("\xff\xc0");
     std::string twelve = file;
     std::string lossless = file;

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "fuzz/Fuzz.h"
+#include "fuzz/PixelByPixel.h"
 #include "graflib/CGraflib.h"
-#include "tests/graflib/PixelByPixel.h"
 
 namespace {
 

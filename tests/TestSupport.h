@@ -21,9 +21,8 @@
 #include <tuple>
 #include <utility>
 #include <vector>
-// libjpeg's header wants stdio's names declared before it.
-#include <jpeglib.h>
 
+#include "fuzz/EncodeJpeg.h"
 #include "jpeg/CGraflibJpeg.h"
 
 namespace fs = std::filesystem;
@@ -77,42 +76,11 @@ inline std::vector<Sizes> WithRandomSizes(std::vector<Sizes> sizes)
     return sizes;
 }
 
-/// Encodes pixels of 1 (grey), 3 (RGB), 4 (CMYK) or more components with libjpeg's defaults; more
-/// than four need the scans of a progressive file.
-inline std::string EncodeJpeg(int width, int height, int components, const Bytes& pixels,
-                              int quality = 80, bool progressive = false)
-{
-    jpeg_error_mgr errors{};
-    jpeg_compress_struct codec{};
-    codec.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&codec);
-    unsigned char* data = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&codec, &data, &size);
-    codec.image_width = static_cast<JDIMENSION>(width);
-    codec.image_height = static_cast<JDIMENSION>(height);
-    codec.input_components = components;
-    const J_COLOR_SPACE spaces[] = {JCS_GRAYSCALE, JCS_UNKNOWN, JCS_RGB, JCS_CMYK, JCS_UNKNOWN};
-    codec.in_color_space = spaces[components - 1];
-    jpeg_set_defaults(&codec);
-    jpeg_set_quality(&codec, quality, TRUE);
-    if (progressive)
-        jpeg_simple_progression(&codec);
-    jpeg_start_compress(&codec, TRUE);
-    auto* row = const_cast<JSAMPROW>(pixels.data());
-    for (; codec.next_scanline < codec.image_height; row += width * components)
-        jpeg_write_scanlines(&codec, &row, 1);
-    jpeg_finish_compress(&codec);
-    jpeg_destroy_compress(&codec);
-    const std::unique_ptr<unsigned char, decltype(&free)> owner(data, free);
-    return {data, data + size};
-}
-
 /// A picture of noise.
 inline std::string SampleJpeg(int width, int height, int components = 3)
 {
     return EncodeJpeg(width, height, components, Noise(width * height * components), 80,
-                      components > 4);
+                      components > 4 ? Progressive : nullptr);
 }
 
 /// What a call writes to standard output and, marked, to standard error; an exception, too, is

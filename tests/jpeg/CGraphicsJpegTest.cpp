@@ -36,7 +36,7 @@ TEST_F(CGraphicsJpegTest, EveryTruncationAndByteChangeEndsCleanly)
 
 TEST_F(CGraphicsJpegTest, ClaimsBeyondTheLimitsCountAsDamaged)
 {
-    const std::string whole = EncodeJpeg(64, 64, 1, Noise(64 * 64), 80, true);
+    const std::string whole = EncodeJpeg(64, 64, 1, Noise(64 * 64), 80, Progressive);
     const std::size_t size = whole.find("\xff\xc2") + 5, scan = whole.find("\xff\xda");
     const std::string one = whole.substr(scan, whole.find("\xff\xc4", scan) - scan);
     int scans = 0;
