@@ -83,6 +83,45 @@ SColour MistyRidges(SPlace at)
     return DawnSky(at);
 }
 
+// --- Dunes ---------------------------------------------------------------------------------------
+
+namespace {
+
+constexpr int kDunes = 4;  // the nearest is number 0
+constexpr SColour kDesertSky[] = {Rgb(0x2f6fb5), Rgb(0x7db4dc), Rgb(0xf6e3c0)};
+
+float DuneCrest(int dune, float x)
+{
+    const auto i = static_cast<float>(dune);
+    const float wide = x * (0.55f + 0.22f * i) + 1.7f * i;
+    return 0.80f - 0.13f * i - (0.34f - 0.06f * i) * LineCloud(wide, 60 + dune, 2);
+}
+
+SColour DuneColour(int dune, float x, float below)
+{
+    // The wind side lies in the sun. The border to the other side runs down at a slant.
+    const float foot = x + 1.1f * below + 0.05f * std::sin(9 * below + 3 * x);
+    const float slope = (DuneCrest(dune, foot + 0.02f) - DuneCrest(dune, foot)) / 0.02f;
+    const float sun = Smooth(0.07f, -0.02f, slope);
+    const float ripple = std::sin(260 * (below + 0.06f * Noise(6 * x, 14 * below)) + 20 * x);
+    const SColour sand = Mix(Rgb(0x7a3420), Rgb(0xf5a94e), sun) * (1 + 0.07f * ripple * sun);
+    const float haze = static_cast<float>(dune) / (kDunes + 1);
+    return Mix(sand, Rgb(0xf6d2a0), haze * haze + 0.25f * Smooth(0, 0.5f, below));
+}
+
+}  // namespace
+
+SColour Dunes(SPlace at)
+{
+    for (int dune = 0; dune < kDunes; ++dune) {
+        const float crest = DuneCrest(dune, at.mX);
+        if (at.mY > crest)
+            return DuneColour(dune, at.mX, at.mY - crest);
+    }
+    const float cloud = Smooth(0.55f, 0.85f, Cloud(1.3f * at.mX, 7 * at.mY, 4));
+    return Mix(Gradient(kDesertSky, 1.7f * at.mY), Rgb(0xffffff), 0.6f * cloud);
+}
+
 // --- Night sky -----------------------------------------------------------------------------------
 
 namespace {
@@ -145,6 +184,58 @@ SColour NightSky(SPlace at)
         return Rgb(0x04060e);
     const float range = 0.84f - 0.14f * LineCloud(3.1f * at.mX, 83, 5);
     return at.mY > range ? Mix(Rgb(0x1b2450), Rgb(0x3f4480), (at.mY - range) * 5) : NightHeaven(at);
+}
+
+// --- Aurora --------------------------------------------------------------------------------------
+
+namespace {
+
+SColour Curtain(SPlace at, int number)
+{
+    const auto i = static_cast<float>(number);
+    const float fold =
+        0.10f * std::sin(2.3f * at.mX + 2.1f * i) + 0.05f * std::sin(5.1f * at.mX + 1.3f * i);
+    const float above = 0.5f - 0.09f * i + fold - at.mY;
+    const float rays = 0.35f + 0.65f * LineCloud(22 * (at.mX + 0.3f * fold), 90 + number, 3);
+    const float light = above < 0 ? std::exp(45 * above) : std::exp(-above * (7 + 2 * i));
+    const SColour hue = Mix(Rgb(0x35ff9a), Rgb(0xa040ff), Smooth(0.02f, 0.34f, above));
+    return hue * (light * rays * (1 - 0.22f * i));
+}
+
+SColour AuroraSky(SPlace at)
+{
+    SColour sky = Mix(Rgb(0x040a20), Rgb(0x0c3350), at.mY * 1.3f);
+    for (int i = 0; i < 3; ++i)
+        sky = sky + Curtain(at, i);
+    return sky + Rgb(0xe8f4ff) * Stars(at, 0.026f, 0.0028f, 11);
+}
+
+/// What stands above the water line, snow on the peaks.
+SColour AuroraShore(SPlace at, float waterLine)
+{
+    constexpr float kFirs = 0.05f;
+    if (at.mY > waterLine - kFirs && at.mY > waterLine - FirTrees(at.mX, 0.021f, kFirs, 98))
+        return Rgb(0x03070d);
+    const float folds = LineCloud(1.9f * at.mX + 1, 97, 5);
+    const float peak = waterLine - 0.28f * (1 - std::abs(2 * folds - 1));
+    if (at.mY < peak)
+        return AuroraSky(at);
+    const float gully = Cloud(26 * at.mX, 18 * at.mY, 4);
+    const float snow = Smooth(0.02f, -0.02f, at.mY - waterLine + 0.1f + 0.14f * (gully - 0.4f));
+    return Mix(Rgb(0x081826), Rgb(0x5fa8ac), snow * (0.3f + 0.5f * gully));
+}
+
+}  // namespace
+
+SColour Aurora(SPlace at)
+{
+    constexpr float kWaterLine = 0.74f;
+    if (at.mY < kWaterLine)
+        return AuroraShore(at, kWaterLine);
+    const float depth = at.mY - kWaterLine;
+    const float wave = Noise(6 * at.mX / (depth + 0.1f), 30 * std::log(depth + 0.02f)) - 0.5f;
+    const SPlace mirrored = {at.mX, kWaterLine - 1.9f * depth + 0.16f * depth * wave, at.mAspect};
+    return AuroraShore(mirrored, kWaterLine) * (0.75f - depth) + Rgb(0x02101a);
 }
 
 // --- Sunset --------------------------------------------------------------------------------------
@@ -251,6 +342,140 @@ SColour Balloons(SPlace at)
             return Rgb(0x5a371c) * (0.8f + 0.4f * Fraction(y * 16));
     }
     return DaySky(at);
+}
+
+// --- Autumn tree ---------------------------------------------------------------------------------
+
+namespace {
+
+constexpr float kTreeX = 0.62f;
+constexpr float kTreeFoot = 0.86f;
+constexpr SColour kLeaves[] = {Rgb(0xb3261a), Rgb(0xd8491b), Rgb(0xee7b1a), Rgb(0xf7a823),
+                               Rgb(0xffcf3f)};
+
+struct SBough
+{
+    float mX;
+    float mY;
+    float mRadius;
+};
+
+constexpr SBough kCrown[] = {{0.0f, 0.50f, 0.24f},    {-0.22f, 0.42f, 0.15f}, {0.23f, 0.43f, 0.15f},
+                             {-0.13f, 0.62f, 0.16f},  {0.14f, 0.63f, 0.15f},  {0.02f, 0.72f, 0.12f},
+                             {-0.31f, 0.37f, 0.085f}, {0.32f, 0.36f, 0.08f}};
+
+/// How deep inside the crown a place lies, in parts of the bough that covers it most; below 0
+/// outside. Both coordinates are counted from the foot of the tree, the second upwards.
+float CrownDepth(float x, float y)
+{
+    float depth = -1;
+    for (const SBough& bough : kCrown)
+        depth = std::max(depth, 1 - Length(x - bough.mX, y - bough.mY) / bough.mRadius);
+    return depth;
+}
+
+/// Whether wood covers a place: a trunk that forks, its branches forking in turn.
+bool InWood(float x, float y)
+{
+    float length = 0.27f;
+    float thick = 0.034f;
+    x += 0.012f * std::sin(16 * y);
+    for (int fork = 0; fork < 6; ++fork) {
+        const float up = std::clamp(y, 0.0f, length);
+        if (Length(x, y - up) < thick * (1 - 0.35f * up / length))
+            return true;
+        // Both branches lie mirrored, so one that leans to the right stands for the two.
+        const float lean = 0.52f - 0.03f * static_cast<float>(fork);
+        x = std::abs(x);
+        y -= length;
+        const float turned = x * std::cos(lean) - y * std::sin(lean);
+        y = x * std::sin(lean) + y * std::cos(lean);
+        x = turned;
+        length *= 0.7f;
+        thick *= 0.62f;
+    }
+    return false;
+}
+
+struct SLeaf
+{
+    bool mFound = false;
+    float mX = 0;  // its middle
+    float mY = 0;
+    float mNumber = 0;  // any, to tell leaves apart
+};
+
+/// The leaf at a place, if one is there: leaves are strewn one to a cell, each layer its own way.
+SLeaf FindLeaf(float x, float y, float spacing, int layer)
+{
+    const int column = Floor(x / spacing);
+    const int row = Floor(y / spacing);
+    const float leafX = static_cast<float>(column) + 0.3f + 0.4f * Hash(column + layer, row);
+    const float leafY = static_cast<float>(row) + 0.3f + 0.4f * Hash(column, row + layer);
+    const bool found = Length(x / spacing - leafX, y / spacing - leafY) < 0.45f;
+    return {found, leafX * spacing, leafY * spacing, Hash(row + layer, column + 2 * layer)};
+}
+
+SColour LeafColour(const SLeaf& leaf, float sun)
+{
+    const float bough = Cloud(7 * leaf.mX + 3, 7 * leaf.mY, 2);
+    return Gradient(kLeaves, 1.5f * bough - 0.55f + 0.3f * leaf.mNumber + 0.35f * sun) *
+           (0.6f + 0.45f * sun + 0.1f * leaf.mNumber);
+}
+
+bool Foliage(float x, float y, SColour* colour)
+{
+    constexpr int kLayers = 5;
+    for (int layer = 0; layer < kLayers; ++layer) {
+        const float shift = 0.0061f * static_cast<float>(layer);
+        const SLeaf leaf = FindLeaf(x + shift, y + shift, 0.017f, 17 * layer);
+        const float depth = leaf.mFound ? CrownDepth(leaf.mX - shift, leaf.mY - shift) : -1;
+        if (leaf.mNumber < Smooth(-0.03f, 0.22f, depth)) {
+            const float sun = 0.5f + 1.5f * (leaf.mY - 0.52f) - 1.1f * leaf.mX;
+            *colour = LeafColour(leaf, Clamp(sun) - 0.1f * static_cast<float>(layer));
+            return true;
+        }
+    }
+    return false;
+}
+
+SColour Meadow(SPlace at, float hill)
+{
+    const float x = at.mX - kTreeX;
+    const float y = at.mY - kTreeFoot;
+    const float under = Smooth(0.55f, 0.05f, Length(x - 0.03f, 4 * (y - 0.03f)));
+    const SLeaf leaf = FindLeaf(at.mX, 2 * at.mY, 0.016f, 5);
+    if (leaf.mFound && leaf.mNumber < 0.7f * under)
+        return Pick(kLeaves, Fraction(9 * leaf.mNumber)) * 0.85f;
+    const float blade = Noise(130 * at.mX, 30 * at.mY);
+    const SColour grass = Mix(Rgb(0xc4b950), Rgb(0x4f7a2c), Smooth(0, 0.2f, at.mY - hill));
+    return grass * (0.85f + 0.25f * blade) * (1 - 0.4f * under);
+}
+
+SColour AutumnHills(SPlace at)
+{
+    constexpr SColour kAutumnSky[] = {Rgb(0x4f9fd8), Rgb(0x9fcbe8), Rgb(0xfdf0d4)};
+    const float near = 0.83f - 0.12f * LineCloud(3 * at.mX, 120, 4);
+    if (at.mY > near)
+        return Mix(Rgb(0x8a7f5a), Rgb(0xb59a5a), Cloud(40 * at.mX, 60 * at.mY, 2));
+    const float distant = 0.78f - 0.16f * LineCloud(2.2f * at.mX + 5, 121, 4);
+    return at.mY > distant ? Rgb(0x9fb2c4) : Gradient(kAutumnSky, at.mY * 1.35f);
+}
+
+}  // namespace
+
+SColour AutumnTree(SPlace at)
+{
+    const float x = at.mX - kTreeX;
+    const float y = kTreeFoot - at.mY;
+    const float depth = CrownDepth(x, y);
+    SColour leaf;
+    if (depth > -0.1f && Foliage(x, y, &leaf))
+        return leaf;
+    if ((depth > 0 || std::abs(x) < 0.08f) && y < 0.7f && InWood(x, y))
+        return Rgb(0x4a2f20) * (0.85f - 7 * std::clamp(x, -0.04f, 0.04f));
+    const float hill = 0.82f + 0.05f * std::sin(2.2f * at.mX + 0.4f);
+    return at.mY > hill ? Meadow(at, hill) : AutumnHills(at);
 }
 
 // --- Sailing boat --------------------------------------------------------------------------------

@@ -105,6 +105,13 @@ SColour Gradient(const SColour (&scale)[N], float t)
     return Mix(scale[i], scale[i + 1], at - static_cast<float>(i));
 }
 
+/// The colour that a number from 0 to 1, 1 excepted, picks from a list.
+template <std::size_t N>
+SColour Pick(const SColour (&list)[N], float number)
+{
+    return list[static_cast<std::size_t>(number * static_cast<float>(N))];
+}
+
 /// A number from 0 to 1, 1 excepted, that looks random and depends on the arguments alone.
 inline float Hash(int x, int y = 0)
 {

@@ -35,6 +35,88 @@ SColour JuliaSet(SPlace at)
     return Gradient(kJulia, Fraction(0.62f * std::log2(time + 3) - 1.47f));
 }
 
+// --- Church window -------------------------------------------------------------------------------
+
+namespace {
+
+constexpr SColour kGlass[] = {Rgb(0xfff2a0), Rgb(0xffc21f), Rgb(0xf26b1d), Rgb(0xc81d3a),
+                              Rgb(0x7a1f8f), Rgb(0x2447b8), Rgb(0x1178b0), Rgb(0x0f8a5f)};
+
+struct SPane
+{
+    float mX = 0;  // its centre
+    float mY = 0;
+    float mLead = 0;  // how far the nearest lead is away
+};
+
+/// The pane at a place: the nearest of centres that are strewn one to a cell.
+SPane FindPane(float x, float y)
+{
+    SPane pane;
+    float nearest = 9;
+    float second = 9;
+    for (int row = Floor(y) - 1; row <= Floor(y) + 1; ++row) {
+        for (int column = Floor(x) - 1; column <= Floor(x) + 1; ++column) {
+            const float paneX = static_cast<float>(column) + 0.15f + 0.7f * Hash(column, row);
+            const float paneY = static_cast<float>(row) + 0.15f + 0.7f * Hash(row, column + 50);
+            const float distance = Length(x - paneX, y - paneY);
+            second = std::min(second, std::max(nearest, distance));
+            if (distance < nearest) {
+                nearest = distance;
+                pane = {paneX, paneY, 0};
+            }
+        }
+    }
+    pane.mLead = second - nearest;
+    return pane;
+}
+
+/// How far inside the pointed arch a place lies; negative outside. `x` counts from its middle.
+float InsideArch(float x, float y)
+{
+    constexpr float kHalf = 0.31f;
+    constexpr float kSpring = 0.57f;
+    const float side = std::abs(x);
+    const float sides = std::min(kHalf - side, 0.95f - y);
+    return y > kSpring ? sides : 1.75f * kHalf - Length(side + 0.75f * kHalf, y - kSpring);
+}
+
+SColour GlassColour(float x, float y)
+{
+    constexpr float kPanes = 17;
+    const SPane pane = FindPane(kPanes * x, kPanes * y);
+    const float ring = Length(pane.mX / kPanes, pane.mY / kPanes - 0.46f);
+    const float odd = Hash(Floor(8 * pane.mX), Floor(8 * pane.mY)) - 0.5f;
+    const float flow = 0.85f + 0.3f * Noise(40 * x + 3 * y, 24 * y);
+    const SColour glass =
+        Gradient(kGlass, 1.75f * ring + 0.22f * odd) * (flow * (1.05f + 0.4f * odd));
+    return glass * Smooth(0.06f, 0.16f, pane.mLead);
+}
+
+SColour Wall(float x, float y)
+{
+    const int course = Floor(11 * y);
+    const float along = 6 * x + 0.5f * static_cast<float>(course & 1);
+    const float joint =
+        std::min(Smooth(0, 0.06f, Fraction(11 * y)), Smooth(0, 0.03f, Fraction(along)));
+    const float tone = 0.75f + 0.2f * Hash(Floor(along), course) + 0.2f * Cloud(30 * x, 30 * y, 3);
+    return Rgb(0x453c3a) * (tone * (0.55f + 0.45f * joint));
+}
+
+}  // namespace
+
+SColour ChurchWindow(SPlace at)
+{
+    const float x = at.mX - 0.5f * at.mAspect;
+    const float inside = InsideArch(x, at.mY);
+    if (inside < -0.022f)
+        return Wall(x, at.mY) * Smooth(-0.3f, -0.022f, inside);
+    if (inside < 0)
+        return Rgb(0x8d7f72) * (0.7f - 20 * inside);
+    const bool bar = std::abs(x) < 0.005f || std::abs(at.mY - 0.7f) < 0.004f;
+    return bar || inside < 0.008f ? Rgb(0x0a0808) : GlassColour(x, at.mY);
+}
+
 // --- Spheres -------------------------------------------------------------------------------------
 
 namespace {
@@ -185,6 +267,51 @@ SColour Spheres(SPlace at)
     const float x = at.mX - 0.5f * at.mAspect;
     const float y = 0.42f - at.mY;
     return Trace({0, 1.7f, -5.2f}, Unit({x, y - 0.12f, 1.15f}));
+}
+
+// --- Island map ----------------------------------------------------------------------------------
+
+namespace {
+
+constexpr SColour kHeights[] = {Rgb(0x5fa35a), Rgb(0xa9c96b), Rgb(0xf0e3a0),
+                                Rgb(0xd9a866), Rgb(0xa56a45), Rgb(0xf4efe9)};
+
+constexpr float kIsland = 9;  // other numbers, other islands
+
+/// Above 0 on land, up to about 1.
+float IslandHeight(float x, float y)
+{
+    const float shore = Length(x - 0.5f, y - 0.5f);
+    const float hills = Cloud(3.1f * x + kIsland, 3.1f * y, 5);
+    return 1.9f * hills - 0.28f - 3.4f * shore * shore - 0.5f * shore;
+}
+
+/// How much of a line there is where a value that changes by `slope` a unit crosses a multiple of
+/// `step`. Lines are `width` wide.
+float LevelLine(float value, float slope, float step, float width)
+{
+    const float away = std::abs(Fraction(value / step + 0.5f) - 0.5f) * step;
+    return Smooth(width, 0.4f * width, away / (slope + 0.05f));
+}
+
+}  // namespace
+
+SColour IslandMap(SPlace at)
+{
+    constexpr float kStep = 0.004f;
+    const float height = IslandHeight(at.mX, at.mY);
+    const float east = (IslandHeight(at.mX + kStep, at.mY) - height) / kStep;
+    const float south = (IslandHeight(at.mX, at.mY + kStep) - height) / kStep;
+    const float slope = Length(east, south);
+    if (height < 0) {
+        const SColour sea = Mix(Rgb(0xa8dcea), Rgb(0x3f8fc4), Smooth(0, -0.7f, height));
+        return Mix(sea, Rgb(0x2f78ae), 0.6f * LevelLine(height, slope, 0.15f, 0.0016f));
+    }
+    const float shade = std::clamp(1 + 0.05f * (east + south), 0.6f, 1.2f);
+    const SColour land = Gradient(kHeights, height * 1.15f) * shade;
+    const float thin = 0.45f * LevelLine(height, slope, 0.05f, 0.0012f);
+    const float thick = 0.8f * LevelLine(height, slope, 0.25f, 0.0024f);
+    return Mix(land, Rgb(0x6b3f22), std::max(thin, thick));
 }
 
 // --- Tartan --------------------------------------------------------------------------------------
