@@ -95,8 +95,6 @@ std::string OutputOf(Call call)
     } catch (CGraflibException& e) {
         TestImage().ShowGlibError(e);
         std::cerr << e.mCode << ' ' << e.mInfo;
-    } catch (const std::bad_alloc&) {
-        std::cerr << "no memory";
     }
     const std::string errors = testing::internal::GetCapturedStderr();
     return testing::internal::GetCapturedStdout() + (errors.empty() ? "" : "Errors: " + errors);
