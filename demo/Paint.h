@@ -1,5 +1,5 @@
-#ifndef TESSEL_EXAMPLES_PAINT_H
-#define TESSEL_EXAMPLES_PAINT_H
+#ifndef TESSEL_DEMO_PAINT_H
+#define TESSEL_DEMO_PAINT_H
 
 #include <algorithm>
 #include <cmath>
@@ -103,13 +103,6 @@ SColour Gradient(const SColour (&scale)[N], float t)
     const float at = Clamp(t) * static_cast<float>(N - 1);
     const std::size_t i = std::min(static_cast<std::size_t>(at), N - 2);
     return Mix(scale[i], scale[i + 1], at - static_cast<float>(i));
-}
-
-/// The colour that a number from 0 to 1, 1 excepted, picks from a list.
-template <std::size_t N>
-SColour Pick(const SColour (&list)[N], float number)
-{
-    return list[static_cast<std::size_t>(number * static_cast<float>(N))];
 }
 
 /// A number from 0 to 1, 1 excepted, that looks random and depends on the arguments alone.

@@ -1,5 +1,5 @@
-#ifndef TESSEL_EXAMPLES_PICTURES_H
-#define TESSEL_EXAMPLES_PICTURES_H
+#ifndef TESSEL_DEMO_PICTURES_H
+#define TESSEL_DEMO_PICTURES_H
 
 #include "Paint.h"
 
@@ -7,19 +7,14 @@
 
 // Landscapes.cpp
 SColour MistyRidges(SPlace at);
-SColour Dunes(SPlace at);
 SColour NightSky(SPlace at);
-SColour Aurora(SPlace at);
 SColour Sunset(SPlace at);
 SColour Balloons(SPlace at);
-SColour AutumnTree(SPlace at);
 SColour SailingBoat(SPlace at);
 
 // Patterns.cpp
 SColour JuliaSet(SPlace at);
-SColour ChurchWindow(SPlace at);
 SColour Spheres(SPlace at);
-SColour IslandMap(SPlace at);
 SColour Tartan(SPlace at);
 SColour Sunflower(SPlace at);
 SColour Ripples(SPlace at);

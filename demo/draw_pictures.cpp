@@ -23,20 +23,15 @@ struct SPicture
 
 constexpr SPicture kPictures[] = {
     {"01_misty_ridges.jpg", 4000, 3000, 24, MistyRidges},
-    {"02_dunes_panorama.jpg", 3600, 600, 24, Dunes},
+    {"02_sunset_panorama.jpg", 3600, 600, 24, Sunset},
     {"03_night_sky.jpg", 1200, 1600, 24, NightSky},
-    {"04_aurora.jpg", 1800, 1200, 24, Aurora},
-    {"05_julia_set.jpg", 1600, 1200, 24, JuliaSet},
-    {"06_sunset.jpg", 1800, 1200, 24, Sunset},
-    {"07_church_window.jpg", 1200, 1600, 24, ChurchWindow},
-    {"08_balloons.jpg", 1200, 1500, 24, Balloons},
-    {"09_autumn_tree.jpg", 1600, 1200, 24, AutumnTree},
-    {"10_spheres.jpg", 1600, 1200, 24, Spheres},
-    {"11_island_map.jpg", 1400, 1400, 24, IslandMap},
-    {"12_tartan.jpg", 1500, 1000, 24, Tartan},
-    {"13_sunflower.jpg", 1400, 1400, 24, Sunflower},
-    {"14_ripples_greyscale.jpg", 1600, 1067, 8, Ripples},
-    {"15_small_boat.jpg", 96, 64, 24, SailingBoat},
+    {"04_julia_set.jpg", 1600, 1200, 24, JuliaSet},
+    {"05_balloons.jpg", 1200, 1500, 24, Balloons},
+    {"06_spheres.jpg", 1600, 1200, 24, Spheres},
+    {"07_tartan.jpg", 1500, 1000, 24, Tartan},
+    {"08_sunflower.jpg", 1400, 1400, 24, Sunflower},
+    {"09_ripples_greyscale.jpg", 1600, 1067, 8, Ripples},
+    {"10_small_boat.jpg", 96, 64, 24, SailingBoat},
 };
 
 unsigned char ToByte(float part)

@@ -164,10 +164,11 @@ class GalleryTest(unittest.TestCase):
                 self.check_cell(index)
 
     def test_every_thumbnail_is_whole_and_leads_to_its_picture(self):
-        drawn = sorted(os.listdir(self.drawn))
+        # Not the largest, and not the one that grows: it has sharp edges only.
+        drawn = itertools.cycle(sorted(os.listdir(self.drawn))[1:-1])
         for count in (0, 1, 5, 6, 13):
-            names = drawn[1:1 + count]
-            pages = self.make_gallery(dict(zip(names, names)))
+            names = [f"{number:02}.jpg" for number in range(count)]
+            pages = self.make_gallery(dict(zip(names, drawn)))
             for way in ("http", "file"):
                 with self.subTest(pictures=count, way=way):
                     self.check_gallery(pages[way], names)
@@ -183,7 +184,7 @@ class GalleryTest(unittest.TestCase):
     def test_awkward_names(self):
         for works, names in NAMES.items():
             for name in names:
-                pages = self.make_gallery({name: "15_small_boat.jpg"})
+                pages = self.make_gallery({name: "10_small_boat.jpg"})
                 for way, page in pages.items():
                     with self.subTest(name=name, way=way):
                         nothing = way == "http" and name in NEED_CHARSET
@@ -194,7 +195,7 @@ class GalleryTest(unittest.TestCase):
         path = os.fsencode(tempfile.mkdtemp(dir=self.root))
         for name in names:
             os.mkdir(os.path.join(path, name))
-            shutil.copy(os.path.join(self.drawn, "15_small_boat.jpg"),
+            shutil.copy(os.path.join(self.drawn, "10_small_boat.jpg"),
                         os.fsdecode(os.path.join(path, name)))
         subprocess.run([BUILD / "tessel-tree", "--page", path], check=True, stdout=subprocess.DEVNULL)
         for address in self.addresses.values():
