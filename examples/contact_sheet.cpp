@@ -18,8 +18,9 @@ constexpr int kCell = kThumb + 8;
 void Paste(const CDataRect& small, CDataRect* large, int left, int top)
 {
     const unsigned char* samples = small.mData;
-    for (int y = 0; y < small.mHeight; ++y) {
-        auto* row = reinterpret_cast<CRgb*>(large->mData + large->RowBytes() * (top + y)) + left;
+    unsigned char* line = large->mData + static_cast<std::size_t>(top) * large->RowBytes();
+    for (int y = 0; y < small.mHeight; ++y, line += large->RowBytes()) {
+        auto* row = reinterpret_cast<CRgb*>(line) + left;
         for (int x = 0; x < small.mWidth; ++x, samples += small.mBits / 8)
             row[x] = ColourOf(samples, small.mBits);
     }

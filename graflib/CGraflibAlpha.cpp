@@ -74,7 +74,7 @@ void CGraflib::SplitBitplanes(char** plane0, char** plane1, char** plane2)
     if (mBits != 24)
         return;
     const auto pixels = PixelsOf<CRgb>(*this);
-    const auto newPlane = [&pixels] { return NewArray<char>(pixels.size()); };
+    const auto newPlane = [&pixels] { return std::unique_ptr<char[]>(new char[pixels.size()]); };
     auto red = newPlane();
     auto green = newPlane();
     auto blue = newPlane();

@@ -56,13 +56,14 @@ void SumRows(std::vector<Tcolumn>& sums, const Tsample* row, int count)
 /// d short of the next whole number, so all is exact while 256 * d * d <= 2^56, and fits in 64
 /// bits.
 template <typename Tpixel>
-struct SDivisor
+class CDivisor
 {
-    static constexpr std::int64_t kMostArea = 1 << 23;
-
-    std::int64_t mArea;
-    std::uint64_t mReciprocal =
-        (std::uint64_t{1} << 56) / static_cast<std::uint64_t>(2 * mArea) + 1;
+public:
+    explicit CDivisor(std::int64_t area)
+        : mArea(area),
+          mReciprocal((std::uint64_t{1} << 56) / static_cast<std::uint64_t>(2 * area) + 1)
+    {
+    }
 
     template <typename Tfix>
     void Store(const Tfix& sums, Tpixel* dest) const
@@ -74,6 +75,12 @@ struct SDivisor
             dest->mSamples[k] = static_cast<typename Tpixel::Sample>(dividend * mReciprocal >> 56);
         }
     }
+
+private:
+    static constexpr std::int64_t kMostArea = 1 << 23;
+
+    std::int64_t mArea;
+    std::uint64_t mReciprocal;
 };
 
 /// The source rows under a destination row and what they add up to. Held by value: behind a
@@ -106,7 +113,7 @@ template <int SHIFT, typename Tfix, typename Trow, typename Tpixel>
 [[gnu::noinline]] void MakePixels(const Trow row, CFixT<SHIFT> step, std::int64_t area,
                                   Tpixel* dest, int width)
 {
-    const SDivisor<Tpixel> divisor{area};
+    const CDivisor<Tpixel> divisor(area);
     for (int x = 0; x < width; ++x) {
         const SSpanT<SHIFT> columns(x, step);
         Tfix sums;
