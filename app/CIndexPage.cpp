@@ -1,5 +1,6 @@
 #include "app/CIndexPage.h"
 
+#include <ostream>
 #include <string_view>
 
 #include "app/GalleryLayout.h"

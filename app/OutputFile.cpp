@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <string_view>
+#include <system_error>
 
 #include "util/CFileIO.h"
 

@@ -3,9 +3,13 @@
 // in the same run; see docs/performance.md.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include "bench/DatabaseBench.h"
 #include "bench/Operations.h"

@@ -1,8 +1,10 @@
 #include "bench/PictureSet.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string>
 
 #include "util/CFileIO.h"
 

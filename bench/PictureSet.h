@@ -1,6 +1,7 @@
 #ifndef TESSEL_BENCH_PICTURESET_H
 #define TESSEL_BENCH_PICTURESET_H
 
+#include <cstddef>
 #include <deque>
 #include <vector>
 

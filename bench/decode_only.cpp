@@ -1,6 +1,7 @@
 // Decodes the JPEG files named by its arguments and does nothing with them: one row buffer, each
 // row dropped. Prints the bytes of the largest picture.
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <iostream>
 #include <vector>

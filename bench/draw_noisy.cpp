@@ -1,5 +1,6 @@
 // Draws JPEG pictures that are as hard to decode as photographs: soft gradients under fine noise.
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <iostream>

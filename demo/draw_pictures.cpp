@@ -1,5 +1,6 @@
 // Draws a folder of pictures to try tessel with: wide and tall ones, a panorama, a greyscale one,
 // one that is smaller than its thumbnail, and one of twelve megapixels.
+#include <exception>
 #include <iostream>
 #include <string>
 

@@ -1,5 +1,7 @@
 // Makes a contact sheet: one JPEG of all pictures in a folder, small, five to a row.
 #include <algorithm>
+#include <cstddef>
+#include <exception>
 #include <iostream>
 #include <string>
 #include <vector>

@@ -1,4 +1,6 @@
 // Halves a JPEG of any size with a few of its lines in memory.
+#include <cstddef>
+#include <exception>
 #include <iostream>
 #include <vector>
 

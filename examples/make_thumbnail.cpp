@@ -1,5 +1,6 @@
 // Makes one thumbnail: reads a picture, shrinks it until it fits a square, writes it.
 #include <cstdlib>
+#include <exception>
 #include <iostream>
 
 #include "Helpers.h"

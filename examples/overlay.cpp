@@ -1,6 +1,7 @@
 // Blends a 32-bit picture over a photograph: here a soft light in the middle of darkened corners.
 #include <algorithm>
 #include <cmath>
+#include <exception>
 #include <iostream>
 
 #include "graflib/PixelTypes.h"

@@ -1,5 +1,6 @@
 // The database: whatever is read, what is then written is read back the same.
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>

@@ -1,4 +1,5 @@
 // Draws the seeds of the fuzz targets: small pictures of every kind, databases, texts, sizes.
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <iostream>

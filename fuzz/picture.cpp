@@ -1,5 +1,6 @@
 // The reader: whole, at an offset, line by line; the scaler on what was read and while it is read;
 // the writer.
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <new>

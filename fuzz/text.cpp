@@ -1,4 +1,5 @@
 // Strings, names and lines.
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <memory>

@@ -3,7 +3,6 @@
 #include "graflib/CFilterBilinearFloat.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdint>
 #include <iostream>
 #include <memory>

@@ -2,7 +2,6 @@
 #include <cstddef>
 #include <iostream>
 #include <memory>
-#include <span>
 
 #include "graflib/CGraflib.h"
 #include "graflib/PixelWalk.h"

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <iostream>
-#include <span>
 
 #include "graflib/CGraflib.h"
 #include "graflib/PixelWalk.h"

@@ -3,7 +3,6 @@
 
 // The innermost level of the fixed-point scaler: one destination row out of the source rows under
 // it. A part of DownScaleFix2.cpp, which has the drawing; for no other source.
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <csetjmp>
 #include <memory>
 
 #include "jpeg/SJpegState.h"

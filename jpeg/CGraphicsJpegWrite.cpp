@@ -1,7 +1,7 @@
 // Writing. Errors end the process, as is the way of libjpeg's own error manager.
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
 
 #include "jpeg/CGraphicsJpeg.h"
 #include "jpeg/SJpegState.h"

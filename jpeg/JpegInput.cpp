@@ -1,4 +1,5 @@
 // What libjpeg reads from.
+#include <cstddef>
 #include <cstdio>
 
 #include "jpeg/SJpegState.h"

@@ -1,5 +1,6 @@
 #include "util/CFileIO.h"
 
+#include <cstddef>
 #include <cstring>
 #include <iterator>
 #include <memory>

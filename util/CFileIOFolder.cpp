@@ -5,8 +5,9 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
-#include <cstdio>
+#include <cstddef>
 #include <cstring>
+#include <fstream>
 #include <iostream>
 #include <iterator>
 #include <limits>

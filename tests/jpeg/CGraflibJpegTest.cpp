@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <climits>
+#include <new>
 
 #include "tests/TestSupport.h"
 

@@ -1,6 +1,5 @@
 #include "util/CStringTool.h"
 
-#include <cstdint>
 #include <new>
 
 #include "tests/TestSupport.h"
