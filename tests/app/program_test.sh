@@ -35,7 +35,8 @@ grey 1200 800 >"$work/picture"; : >"$work/said"
 gallery x.jpg; run; cp tessel/x.jpg "$work/thumb"
 
 # A gallery of nothing is a gallery.
-gallery; rmdir tessel; run; said ''; [[ -f $base && ! -s $base ]]
+gallery; rmdir tessel; under 'umask 027;' .; said ''; [[ ! -s $base && $(stat -c '%A' $base index.html tessel | xargs) == \
+    '-rw-r----- -rw-r----- drwxr-x---' ]]
 [[ $(<index.html) == $'<html><body>\n\n<center>\n<h2>.</h2>\n<table>\n'"$end" ]]
 
 # Size and folder come from the command line.
@@ -143,14 +144,15 @@ gallery x.jpg; ! mknod tessel/x.jpg c 1 3 2>/dev/null || { run; [[ -c tessel/x.j
 
 # Of links in the thumbnail folder's place only those to a thumbnail folder are followed: one that is
 # empty, or holds a database.
-for held in '' tesselbase.txt x.jpg missing; do
+for held in '' tesselbase.txt x.jpg missing folder; do
     gallery x.jpg; rmdir tessel; ln -s ../elsewhere tessel
-    case $held in '') ;; missing) rmdir ../elsewhere ;; *) echo original >../elsewhere/$held ;; esac
+    case $held in '') ;; missing) rmdir ../elsewhere ;; folder) mkdir ../elsewhere/tesselbase.txt ;; *) echo original >../elsewhere/$held ;; esac
     run; said $'Reading ./x.jpg\n*\nWriting ./tessel/x.jpg'; [[ -L tessel && $(<index.html) == *"$end" ]]
     first=$(<"$work/said"); run
     case $held in
         x.jpg) said "$first"; [[ $(ls ../elsewhere) == x.jpg && $(<../elsewhere/x.jpg) == original ]] ;;
         missing) said "$first"; [[ ! -e ../elsewhere ]] ;;
+        folder) said "$first"; [[ $(ls ../elsewhere) == tesselbase.txt ]] ;;
         *) said ''; has_thumbs x.jpg; grep -q '^x.jpg' ../elsewhere/tesselbase.txt ;;
     esac
 done
@@ -239,12 +241,12 @@ under "$other" .; grep -q '^x.jpg' $base; [[ $(<index.html) == *"$end" ]]
 echo shared >index.html; ln index.html ../elsewhere; under "$other" .; [[ $(<index.html) == shared ]]
 # Nor is a folder changed that may be entered, and not listed.
 chmod 755 .; rm index.html; chmod 333 .; under "$other" .; said ''; [[ ! -e index.html ]]
-# Nor a file that can't be written, or whose records can't be read.
-for mode in 444 222; do
+# Nor a file that can't be written, or whose records can't be read; somebody else's stays theirs.
+for mode in 444 222 666; do
     gallery x.jpg; chmod 777 . tessel; printf 'old\t1\n' | tee index.html >$base
-    chmod $mode index.html $base; under "$other" .; chmod 644 index.html $base; has_thumbs x.jpg
-    [[ $(<$base) == $'old\t1' ]]; case $mode in
-        444) cmp index.html $base ;;
-        222) [[ $(<index.html) == *"$end" ]] ;;
-    esac
+    [[ $EUID -ne 0 || $mode == 666 ]] || chown 65534:65533 index.html $base
+    chmod $mode index.html $base; owner=$(stat -c '%a %u' $base); under "$other" .; has_thumbs x.jpg
+    [[ $(stat -c '%a %u' $base) == "$owner" ]]; chmod 644 index.html $base
+    if [[ $mode == 666 ]]; then records=$'old\t1\nx.jpg\t*'; else records=$'old\t1'; fi; [[ $(<$base) == $records ]]
+    if [[ $mode == 444 ]]; then cmp index.html $base; else [[ $(<index.html) == *"$end" ]]; fi
 done
