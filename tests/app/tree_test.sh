@@ -59,6 +59,20 @@ grep -qF 'tree/large/bad.jpg: Not a JPEG file: starts with 0x74 0x65' said || fa
 run
 expect_plain again 'pictures, 2 thumbnails made' # of names that no database holds
 [[ $(grep -c . said) == 4 ]] || fail "$(<said)"
+# Damaged since: the old thumbnail stays, and the picture is named. Where nothing can be written,
+# nothing was made.
+head -c -20 "$picture" >tree/plain/a.jpg
+rm -r tree/-dash/tessel && mkdir tree/-dash/tessel/ tree/-dash/tessel/{-x.jpg,tesselbase.txt}
+run
+[[ $(sed 's,[^ ]*/tree/,,' said) == '7 galleries, 114 pictures, 4 thumbnails made
+Without a thumbnail, or damaged:
+  large/bad.jpg
+  large/cut.jpg
+  large/linked.jpg: Premature end of JPEG file
+  plain/a.jpg: Premature end of JPEG file
+  -dash/-x.jpg
+Not finished:
+  -dash' && $status == 1 ]] || fail "$status: $(<said)"
 
 # Changed, removed and new pictures, on two machines that a stand-in for ssh reaches.
 mv tree before
@@ -95,7 +109,7 @@ grep -qF '<a href="a%20%20b/%23%3F%2541%26/index.html"><img src="a%20%20b/%23%3F
 
 # Status and words of what goes wrong.
 mkdir empty
-for words in '1 missing' '0 empty' '2 -j 0 tree' '2 -x tree' '2' '0 --help' '0 --version'; do
+for words in '1 missing' '0 empty' '1 --log missing/log tree' '2 -j 0 tree' '2 -x tree' '2' '0 --help' '0 --version'; do
     read -ra arguments <<<"${words:1}"
     status=0 && "$tree" "${arguments[@]}" &>said || status=$?
     [[ $status == "${words%% *}" ]] || fail "$words: $status $(<said)"
