@@ -4,8 +4,8 @@
 #include <fstream>
 #include <string>
 
-/// Writes the index page: a heading and a table of linked thumbnails. The page's format stands in
-/// this class alone. Names and heading are written as they are, without escapes.
+/// Writes the index page: a heading and a table of linked thumbnails, in a format that no
+/// other class knows. Names and heading are written as they are, without escapes.
 ///
 /// A page that can't be written is lost without a word. Call the functions in their order.
 class CIndexPage

@@ -1,7 +1,7 @@
-// The thumbnail database. Its grammar stands here alone: one line per picture, in ascending order
-// of names: the name, a TAB, the time in decimal, a line feed. Carriage returns are dropped when
-// reading, and what follows a second TAB is ignored. The file is written aside and put in place
-// when it is complete: a run that is killed loses no record.
+// The thumbnail database. Its grammar: one line per picture, in ascending order of names: the name, a
+// TAB, the time in decimal, a line feed. Carriage returns are dropped when reading, and what follows
+// a second TAB is ignored. The file is written aside and put in place when it is complete: a run that
+// is killed loses no record.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
