@@ -238,7 +238,8 @@ under "$other" .; said $'Reading ./x.jpg\n*'; [[ $(state) == "$expected" ]]
 # But for its files that may be.
 chmod 755 . tessel; touch index.html $base; chmod 666 index.html $base; chmod 555 . tessel
 under "$other" .; grep -q '^x.jpg' $base; [[ $(<index.html) == *"$end" ]]
-echo shared >index.html; ln index.html ../elsewhere; under "$other" .; [[ $(<index.html) == shared ]]
+echo shared | tee index.html >$base; ln index.html $base ../elsewhere
+under "$other" .; [[ $(cat index.html $base) == $'shared\nshared' ]]
 # Nor is a folder changed that may be entered, and not listed.
 chmod 755 .; rm index.html; chmod 333 .; under "$other" .; said ''; [[ ! -e index.html ]]
 # Nor a file that can't be written, or whose records can't be read; somebody else's stays theirs.
