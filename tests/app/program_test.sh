@@ -73,7 +73,7 @@ python3 - "$version" <<'END'
 import os, socket, subprocess, sys
 usage = ["tessel <options> <foldername>\n", "       options: -tsize <thumbsize>\n",
          f"       Version {sys.argv[1]}\n"]
-for folder in None, ".", "." + "/." * 2000:
+for folder in None, ".", "." + "/." * 2030:
     path = f"{folder}/line\nfeed.jpg"
     made = [f"Reading {path}\n", "Premature end of JPEG file\n",
             f"{path} Width=300 Height=200 mBits=24 Data != NULL\n", "ScaleFakt=2.44141\n",
