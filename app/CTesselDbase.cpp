@@ -1,7 +1,7 @@
-// The thumbnail database. Its grammar: one line per picture, in ascending order of names: the name, a
-// TAB, the time in decimal, a line feed. Carriage returns are dropped when reading, and what follows
-// a second TAB is ignored. The file is written aside and put in place when it is complete: a run that
-// is killed loses no record.
+// The thumbnail database. Its grammar: one line per picture, in ascending order of names: the name,
+// a TAB, the time in decimal, a line feed. Carriage returns are dropped when reading, and what
+// follows a second TAB is ignored. The file is written aside and put in place when it is complete:
+// a run that is killed loses no record.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -62,7 +62,7 @@ std::uint64_t SortKey(const std::string& name, std::size_t from)
     return key;
 }
 
-/// True when all records are in the file.
+/// Writes all records and closes the file; true when they are in it.
 bool WriteRecords(std::ofstream& file, const std::set<SFileInfo>& records)
 {
     std::string line;
@@ -75,6 +75,8 @@ bool WriteRecords(std::ofstream& file, const std::set<SFileInfo>& records)
         line += '\n';
         file.write(line.data(), static_cast<std::streamsize>(line.size())).flush();
     }
+    // An error may show only now, when the last bytes go to the disk or to a server.
+    file.close();
     return file.good();
 }
 
@@ -99,11 +101,11 @@ bool CTessel::GetUnixFileTime(const char* path, long* time)
 
 bool CTessel::TestFile(const char* folder, const char* name)
 {
-    const auto found = mFileInfoSet.find({name});
-    return TestFile(folder, name, found == mFileInfoSet.end() ? nullptr : &*found);
+    return TestFile(folder, name, nullptr);
 }
 
-/// The same with the name's record, null where there is none.
+/// The same with the name's record. Null where it isn't known, such as of a name that a folder
+/// lists twice because it changes meanwhile.
 bool CTessel::TestFile(const char* folder, const char* name, const SFileInfo* record)
 {
 #ifdef __GNUC__
@@ -116,8 +118,10 @@ bool CTessel::TestFile(const char* folder, const char* name, const SFileInfo* re
     if (!GetUnixFileTime(path.c_str(), &time))
         return true;
     if (!record) {
-        mFileInfoSet.insert({name, time});
-        return true;
+        const auto [place, isNew] = mFileInfoSet.insert({name, time});
+        if (isNew)
+            return true;
+        record = &*place;
     }
     if (record->mTime >= time)
         return false;
@@ -172,14 +176,17 @@ void CTessel::WriteDbase(const char* path)
 {
     for (int i = 0; i < kMostTries && CDraft::MayReplace(path); ++i) {
         CDraft draft(path);
-        if (!draft.mStream.is_open()) {
-            if (std::ofstream file; MakeWay(path)) {
-                file.open(path);
-                WriteRecords(file, mFileInfoSet);
-            }
-            return;
+        if (draft.mStream.is_open()) {
+            if (!WriteRecords(draft.mStream, mFileInfoSet) || draft.PutInPlace())
+                return;
+            if (errno == ENOENT)
+                continue;
         }
-        if (!WriteRecords(draft.mStream, mFileInfoSet) || draft.PutInPlace())
-            return;
+        // In a folder that can't be changed, or over a file that is mounted, there is but this way.
+        if (std::ofstream file; MakeWay(path)) {
+            file.open(path);
+            WriteRecords(file, mFileInfoSet);
+        }
+        return;
     }
 }

@@ -121,9 +121,7 @@ bool CDraft::MayReplace(const char* path)
 
 bool CDraft::PutInPlace()
 {
-    // An error may show only now, when the last bytes go to the disk or to a server.
-    mStream.close();
-    if (!mStream || std::rename(mName.c_str(), mPath.c_str()) != 0)
+    if (std::rename(mName.c_str(), mPath.c_str()) != 0)
         return false;
     mName.clear();
     RemoveDrafts();

@@ -39,8 +39,8 @@ public:
     /// True where a draft may take the place of what stands at `path`: of nothing, of what MakeWay
     /// removes, and of a file that can be both read and written.
     static bool MayReplace(const char* path);
-    /// Closes the draft and puts it in place; false when something went wrong, such as another run
-    /// having removed it.
+    /// Puts the draft, which is closed, in place. False with the system's errno: ENOENT when
+    /// another run has removed it.
     bool PutInPlace();
 
     std::ofstream mStream;

@@ -9,8 +9,8 @@ TEST_F(OutputFile, DraftsOfRunsAtOnceTakeEachOthersPlaceOnlyWhole)
     WriteAll(mFile, "old");
     {
         CDraft first(mFile), second(mFile);
-        first.mStream << "first";
-        second.mStream << "second";
+        (first.mStream << "first").flush();
+        (second.mStream << "second").flush();
         EXPECT_TRUE(second.PutInPlace() && ReadAll(mFile) == "second");
         EXPECT_FALSE(first.PutInPlace());  // which the other run has removed
         EXPECT_EQ(ReadAll(mFile), "second");

@@ -208,6 +208,11 @@ if may 'ulimit -v 60000;'; then
     [[ ! -e tessel/grown.jpg ]]; run; said ''
 fi
 
+# A file that a file system is mounted on can't be replaced, and is written.
+gallery x.jpg; : | tee $base >../elsewhere/file; mount="mount --bind ../elsewhere/file $base"
+mount='exec unshare -m bash -c "'$mount' && exec \"\$@\"" bash "$@";'
+if may "$mount"; then [[ $(<../elsewhere/file) == $'x.jpg\t'* && ! -e $base.new ]]; fi
+
 # Databases of anything are read, and healed.
 gallery x.jpg
 for content in 'cat "$0"' 'head -c 100000000 /dev/zero' 'yes ""' 'yes x.jpg 9' \
@@ -245,7 +250,7 @@ chmod 755 .; rm index.html; chmod 333 .; under "$other" .; said ''; [[ ! -e inde
 # Nor a file that can't be written, or whose records can't be read; somebody else's stays theirs.
 for mode in 444 222 666; do
     gallery x.jpg; chmod 777 . tessel; printf 'old\t1\n' | tee index.html >$base
-    [[ $EUID -ne 0 || $mode == 666 ]] || chown 65534:65533 index.html $base
+    [[ $EUID -ne 0 || $mode == 666 ]] || chown 65534:65534 index.html $base
     chmod $mode index.html $base; owner=$(stat -c '%a %u' $base); under "$other" .; has_thumbs x.jpg
     [[ $(stat -c '%a %u' $base) == "$owner" ]]; chmod 644 index.html $base
     if [[ $mode == 666 ]]; then records=$'old\t1\nx.jpg\t*'; else records=$'old\t1'; fi; [[ $(<$base) == $records ]]
