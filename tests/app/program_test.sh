@@ -35,8 +35,8 @@ grey 1200 800 >"$work/picture"; : >"$work/said"
 gallery x.jpg; run; cp tessel/x.jpg "$work/thumb"
 
 # A gallery of nothing is a gallery.
-gallery; rmdir tessel; under 'umask 027;' .; said ''; [[ ! -s $base && $(stat -c '%A' $base index.html tessel | xargs) == \
-    '-rw-r----- -rw-r----- drwxr-x---' ]]
+gallery; rmdir tessel; under 'umask 027;' .; said ''
+[[ ! -s $base && $(stat -c %A $base index.html tessel | xargs) == '-rw-r----- -rw-r----- drwxr-x---' ]]
 [[ $(<index.html) == $'<html><body>\n\n<center>\n<h2>.</h2>\n<table>\n'"$end" ]]
 
 # Size and folder come from the command line.
@@ -146,7 +146,12 @@ gallery x.jpg; ! mknod tessel/x.jpg c 1 3 2>/dev/null || { run; [[ -c tessel/x.j
 # empty, or holds a database.
 for held in '' tesselbase.txt x.jpg missing folder; do
     gallery x.jpg; rmdir tessel; ln -s ../elsewhere tessel
-    case $held in '') ;; missing) rmdir ../elsewhere ;; folder) mkdir ../elsewhere/tesselbase.txt ;; *) echo original >../elsewhere/$held ;; esac
+    case $held in
+        '') ;;
+        missing) rmdir ../elsewhere ;;
+        folder) mkdir ../elsewhere/tesselbase.txt ;;
+        *) echo original >../elsewhere/$held ;;
+    esac
     run; said $'Reading ./x.jpg\n*\nWriting ./tessel/x.jpg'; [[ -L tessel && $(<index.html) == *"$end" ]]
     first=$(<"$work/said"); run
     case $held in
@@ -253,6 +258,6 @@ for mode in 444 222 666; do
     [[ $EUID -ne 0 || $mode == 666 ]] || chown 65534:65534 index.html $base
     chmod $mode index.html $base; owner=$(stat -c '%a %u' $base); under "$other" .; has_thumbs x.jpg
     [[ $(stat -c '%a %u' $base) == "$owner" ]]; chmod 644 index.html $base
-    if [[ $mode == 666 ]]; then records=$'old\t1\nx.jpg\t*'; else records=$'old\t1'; fi; [[ $(<$base) == $records ]]
+    if [[ $mode == 666 ]]; then [[ $(<$base) == $'old\t1\nx.jpg\t'* ]]; else [[ $(<$base) == $'old\t1' ]]; fi
     if [[ $mode == 444 ]]; then cmp index.html $base; else [[ $(<index.html) == *"$end" ]]; fi
 done
