@@ -99,17 +99,50 @@ run
 wait
 expect_plain 'two at once' '7 galleries'
 
-# The page of galleries, and what is left when pictures are gone.
+# The page of galleries, and what is left when pictures are gone. Nothing goes through a link, and a
+# database keeps its mode.
+chmod 604 tree/plain/tessel/tesselbase.txt
+add outside kept.jpg && add tree/plain/album x.jpg && ln -s "$work/outside" tree/plain/album/tessel
+run --prune
+[[ -s outside/kept.jpg ]] || fail 'pruned through a link'
+rm -r tree/plain/album
 run --prune --page
+[[ $(stat -c %a tree/plain/tessel/tesselbase.txt) == 604 ]] || fail 'the mode of a database'
 [[ $(ls tree/emptied/tessel) == tesselbase.txt && ! -s tree/emptied/tessel/tesselbase.txt ]] || fail prune
 [[ ! -e tree/plain/tessel/b.JPG && $(cut -f1 tree/plain/tessel/tesselbase.txt) == $'a.jpg\nq\'".jpg' ]] || fail prune
-[[ $(grep -c '<td>' tree/galleries.html) == 7 ]] || fail "$(<tree/galleries.html)"
+[[ $(LC_ALL=C sed -n 's/^<tr>$/-/p; /size=2>/{ s/.*size=2>//; s/<.font.*//; p }' tree/galleries.html) == '-
+a  b/#?%41&#38;: 1
+emptied: 0
+large: 148
+line
+plain: 2
+-
+x'*' y: 1
+-dash: 1' ]] || fail "$(<tree/galleries.html)"
 grep -qF '<a href="a%20%20b/%23%3F%2541%26/index.html"><img src="a%20%20b/%23%3F%2541%26/tessel/t.jpg">' \
     tree/galleries.html || fail "$(<tree/galleries.html)"
 
+# The folders named themselves, links too, and a size.
+cp -a start/plain one && cp -a start/plain two && ln -s one link && "$tree" -tsize 9 --page link two &>said
+[[ -s link/galleries.html && -s two/galleries.html && $(<said) == '2 galleries, 6 pictures, 6 '* ]] || fail "$(<said)"
+rm -rf tree && cp -a start tree && run -tsize 9
+for name in two/tessel/a.jpg tree/large/tessel/1.jpg; do
+    [[ $(djpeg "$name" | sed -n 2p) == '9 5' ]] || fail "-tsize: $name"
+done
+
+# A locked folder is waited for.
+rm tree/plain/index.html && exec 7<tree/plain && flock 7
+run 7<&- &
+sleep 1
+[[ ! -e tree/plain/index.html ]] || fail 'a locked folder'
+exec 7<&-
+wait
+[[ -e tree/plain/index.html ]] || fail 'a folder that was locked'
+
 # Status and words of what goes wrong.
 mkdir empty
-for words in '1 missing' '0 empty' '1 --log missing/log tree' '2 -j 0 tree' '2 -x tree' '2' '0 --help' '0 --version'; do
+[[ $("$tree" --version) == 'tessel-tree '[0-9]* && $("$tree" --help) == Usage:* ]] || fail 'help or version'
+for words in '1 missing' '0 empty' '1 --log missing/log tree' '2 -j 0 tree' '1 -- -x' '2 -x tree' '2' '0 --help' '0 --version'; do
     read -ra arguments <<<"${words:1}"
     status=0 && "$tree" "${arguments[@]}" &>said || status=$?
     [[ $status == "${words%% *}" ]] || fail "$words: $status $(<said)"

@@ -21,6 +21,17 @@ TEST_F(Examples, DoWhatTheySay)
     }
 }
 
+TEST_F(Examples, ThinAndTallPicturesAndWhatCannotBeDone)
+{
+    const std::string program = TESSEL_EXAMPLES "/make_thumbnail";
+    WriteAll(mFile, EncodeJpeg(3, 600, 3, Bytes(3 * 600 * 3, 200)));
+    Run(program + " x.jpg thumbnail.jpg 50");
+    TestImage image;
+    ASSERT_TRUE(image.Read((mFolder / "thumbnail.jpg").c_str(), nullptr));
+    EXPECT_EQ(image.GetShape(), Shape(1, 50, 24));
+    EXPECT_EQ(Run(program + " x.jpg thumbnail.jpg 0").find("failed\nErrors: Usage"), 0U);
+}
+
 TEST_F(Examples, ContactSheetHasAPictureOfAnyDepthInEachCell)
 {
     const std::string program = TESSEL_EXAMPLES "/contact_sheet";
