@@ -48,4 +48,8 @@ expect -tsize 1 = 128 192
 expect --log my.j = my.jpg
 expect -j '' =
 expect m = 'my photos' mine
-[[ $(complete -p tessel) == *'-o filenames -F _tessel tessel' ]]
+expect - = -j -S -tsize --prune --page --log --help --version
+expect -S '' =
+program=/usr/bin/tessel
+expect - = -tsize
+for name in tessel tessel-tree; do [[ $(complete -p $name) == *"-o filenames -F _tessel $name" ]]; done

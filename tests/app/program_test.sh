@@ -165,8 +165,8 @@ done
 # Ordinary files keep mode and owner.
 gallery x.jpg; touch $base tessel/x.jpg index.html; chmod 604 $base tessel/x.jpg index.html
 [[ $EUID -ne 0 ]] || chown 65534:65533 $base tessel/x.jpg index.html
-owner=$(stat -c '604 %u' $base); run; has_thumbs x.jpg; [[ -s $base && -s index.html ]]
-[[ $(stat -c '%a %u' $base tessel/x.jpg index.html | sort -u) == "$owner" ]]
+owner=$(stat -c '604 %u %g' $base); run; has_thumbs x.jpg; [[ -s $base && -s index.html ]]
+[[ $(stat -c '%a %u %g' $base tessel/x.jpg index.html | sort -u) == "$owner" ]]
 
 # A picture on which somebody holds a lease is waited for.
 gallery x.jpg; python3 - <<'END'; [[ -s $base ]]; has_thumbs x.jpg
@@ -236,7 +236,7 @@ under 'ulimit -s 256;' .; has_thumbs last.jpg; [[ $(tail -c 99 index.html) == *"
 full='trap "" XFSZ; ulimit -f 8;'
 gallery; grey 1000 1000 >noise.jpg
 if under "$full" -tsize 1000 .; then false; fi
-said '*Output file write error --- out of disk space?*'; run; [[ -s tessel/noise.jpg ]]
+said '*Output file write error --- out of disk space?*'; run; said $'Reading ./noise.jpg\n*'
 seq -f $'%.0f.jpg\t1' 10000 12000 >$base; printf 'noise.jpg\t99999999999\n' >>$base; expected=$(state)
 under "$full" .; said ''; [[ $(state) == "$expected" && ! -e $base.new ]]
 

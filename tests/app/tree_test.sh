@@ -86,10 +86,16 @@ chmod +x bin/ssh
 run -j1 -S one,two
 expect_plain 'two machines' '7 galleries, 154 pictures, 142 thumbnails made'
 
-# Killed at any moment, it goes on where it was.
-for delay in 0.{3,6,9} 1.{1,3,5,8}; do
+# Killed at any moment, with all that it has started, it goes on where it was.
+rm -rf tree && cp -a before tree
+start=$(date +%s%N) && run
+took=$((($(date +%s%N) - start) / 1000000))
+for eighth in {1..7}; do
     rm -rf tree && cp -a before tree
-    { setsid timeout -s KILL "$delay" "$tree" tree || pkill -KILL -f "$work/bin" || true; } &>/dev/null
+    setsid "$tree" tree &>/dev/null &
+    printf -v delay '%d.%03d' $((took * eighth / 8000)) $((took * eighth / 8 % 1000))
+    sleep "$delay"
+    { mapfile -t pids < <(ps -o pid= -s $!) && kill -KILL "${pids[@]}"; wait $!; } &>/dev/null || true
     run
     expect_plain "killed after $delay s" '7 galleries'
 done
@@ -119,6 +125,7 @@ plain: 2
 -
 x'*' y: 1
 -dash: 1' ]] || fail "$(<tree/galleries.html)"
+grep -qF '"large/tessel/10.jpg"' tree/galleries.html || fail 'the first thumbnail'
 grep -qF '<a href="a%20%20b/%23%3F%2541%26/index.html"><img src="a%20%20b/%23%3F%2541%26/tessel/t.jpg">' \
     tree/galleries.html || fail "$(<tree/galleries.html)"
 
@@ -147,5 +154,13 @@ for words in '1 missing' '0 empty' '1 --log missing/log tree' '2 -j 0 tree' '1 -
     status=0 && "$tree" "${arguments[@]}" &>said || status=$?
     [[ $status == "${words%% *}" ]] || fail "$words: $status $(<said)"
 done
+mkdir lost && echo text >lost/$'a\nb.jpg' && "$tree" lost >said 2>&1
+[[ $(tail -n 1 said) == */'lost/a?b.jpg' ]] || fail "$(<said)"
+bash -x "$tree" -j 3 empty &>said
+grep -q -- '-N 1 -j 3 ' said || fail "$(<said)"
+ln -s "$(type -P false)" bin/parallel && cp "$tree" bin/tessel-tree
+status=0 && bin/tessel-tree empty &>said || status=$?
+[[ $status == 1 && $(<said) == *'GNU parallel is missing'* ]] || fail "without parallel: $status $(<said)"
+rm bin/parallel bin/tessel-tree
 rm -rf tree && cp -a start tree
 (ulimit -f 1 && trap '' XFSZ && run && [[ $status == 1 ]]) || fail 'a full disk'

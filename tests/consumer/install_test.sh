@@ -34,6 +34,10 @@ consume() {
 cmake --install "$build" --prefix "$work/there" >"$work/log"
 mv "$work/there" "$work/moved"
 prefix=$work/moved
+"$prefix/bin/tessel-tree" --version >"$work/log"
+for name in tessel tessel-tree; do
+    [[ $(find "$prefix/share" -name "$name.1" -o -name "$name" -path '*completions*' | wc -l) -eq 2 ]]
+done
 find "$prefix/include/tessel" -name '*.h' | while read -r header; do
     c++ -std=c++20 -fsyntax-only -I "$prefix/include/tessel" -include "$header" -x c++ /dev/null
 done
