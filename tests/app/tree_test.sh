@@ -95,7 +95,11 @@ for eighth in {1..7}; do
     setsid "$tree" tree &>/dev/null &
     printf -v delay '%d.%03d' $((took * eighth / 8000)) $((took * eighth / 8 % 1000))
     sleep "$delay"
-    { mapfile -t pids < <(ps -o pid= -s $!) && kill -KILL "${pids[@]}"; wait $!; } &>/dev/null || true
+    # What was started while processes were listed is killed next.
+    while mapfile -t pids < <(ps -o pid= -o stat= -s $! | awk '$2 !~ /Z/ { print $1 }') && ((${#pids[@]})); do
+        kill -KILL "${pids[@]}" || true
+    done &>/dev/null
+    wait $! &>/dev/null || true
     run
     expect_plain "killed after $delay s" '7 galleries'
 done
@@ -105,15 +109,15 @@ run
 wait
 expect_plain 'two at once' '7 galleries'
 
-# The page of galleries, and what is left when pictures are gone. Nothing goes through a link, and a
-# database keeps its mode.
-chmod 604 tree/plain/tessel/tesselbase.txt
+# The page of galleries, and what is left when pictures are gone. Nothing goes through a link, and
+# files keep their modes.
+touch tree/galleries.html && chmod 604 tree/galleries.html tree/plain/tessel/tesselbase.txt
 add outside kept.jpg && add tree/plain/album x.jpg && ln -s "$work/outside" tree/plain/album/tessel
 run --prune
 [[ -s outside/kept.jpg ]] || fail 'pruned through a link'
 rm -r tree/plain/album
 run --prune --page
-[[ $(stat -c %a tree/plain/tessel/tesselbase.txt) == 604 ]] || fail 'the mode of a database'
+[[ $(stat -c %a tree/galleries.html tree/plain/tessel/tesselbase.txt) == $'604\n604' ]] || fail 'a mode'
 [[ $(ls tree/emptied/tessel) == tesselbase.txt && ! -s tree/emptied/tessel/tesselbase.txt ]] || fail prune
 [[ ! -e tree/plain/tessel/b.JPG && $(cut -f1 tree/plain/tessel/tesselbase.txt) == $'a.jpg\nq\'".jpg' ]] || fail prune
 [[ $(LC_ALL=C sed -n 's/^<tr>$/-/p; /size=2>/{ s/.*size=2>//; s/<.font.*//; p }' tree/galleries.html) == '-
@@ -147,9 +151,9 @@ wait
 [[ -e tree/plain/index.html ]] || fail 'a folder that was locked'
 
 # Status and words of what goes wrong.
-mkdir empty
+mkdir -p empty/galleries.html
 [[ $("$tree" --version) == 'tessel-tree '[0-9]* && $("$tree" --help) == Usage:* ]] || fail 'help or version'
-for words in '1 missing' '0 empty' '1 --log missing/log tree' '2 -j 0 tree' '1 -- -x' '2 -x tree' '2' '0 --help' '0 --version'; do
+for words in '1 missing' '0 empty' '1 --log missing/log tree' '2 -j 0 tree' '1 -- -x' '2 -x tree' '2' '1 --page empty' '0 --help' '0 --version'; do
     read -ra arguments <<<"${words:1}"
     status=0 && "$tree" "${arguments[@]}" &>said || status=$?
     [[ $status == "${words%% *}" ]] || fail "$words: $status $(<said)"
