@@ -94,9 +94,9 @@ TEST_F(CGraphicsJpegTest, WhatIsOpenEndsWhereSomethingElseIsOpened)
     const std::string once = EncodeJpeg(20, 10, 3, pixels, 75), other = mFolder / "other";
     WriteAll(mFile, once);
     CGraphicsJpeg jpeg;
-    int width, height, components;
+    int width = 0, height = 0, components = 0;
     unsigned char line[60];
-    short shortWidth, shortHeight;
+    short shortWidth = 0, shortHeight = 0;
     for (int i = 0; i < 2; ++i) {  // once more, and nothing is left of what was open
         EXPECT_TRUE(jpeg.OpenJpegRead(mPath, &width, &height, &components));
         EXPECT_TRUE(jpeg.GetJpegSize(mPath, &shortWidth, &shortHeight, nullptr));
