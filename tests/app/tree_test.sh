@@ -5,8 +5,8 @@ set -euo pipefail
 tessel=$(realpath "$1") tree=$(realpath "$2") picture=$(realpath "$3")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-mkdir "$work/bin"
-ln -s "$tessel" "$work/bin/tessel"
+chmod 755 "$work" && mkdir "$work/bin"
+cp "$tessel" "$work/bin"
 PATH=$work/bin:$PATH
 cd "$work"
 
@@ -79,6 +79,10 @@ mv tree before
 touch -d @1700000001 before/large/{1..9}{0..9}.jpg
 rm before/plain/b.JPG before/large/?.jpg
 add before/large new{1..50}.jpg
+# Thumbnails that make way, one of them linked to a file of somebody's.
+ln -f before/large/bad.jpg before/large/tessel/20.jpg
+rm before/large/tessel/21.jpg && mkfifo before/large/tessel/21.jpg
+ln -sf ../bad.jpg before/large/tessel/22.jpg
 start_with before
 # shellcheck disable=SC2016  # the other shell's
 printf '#!/bin/sh\nwhile [ "${1#-}" != "$1" ]; do shift; done; shift; [ "$1" != -- ] || shift; exec sh -c "$*"\n' >bin/ssh
@@ -108,6 +112,23 @@ rm -rf tree && cp -a before tree
 run
 wait
 expect_plain 'two at once' '7 galleries'
+
+# Somebody else's files stay theirs, where there is somebody else to be.
+other=(setpriv --reuid=65534 --regid=65534 --clear-groups)
+cp "$tree" bin/tessel-tree && rm -rf tree && cp -a before tree
+if [[ $EUID == 0 ]] && "${other[@]}" bin/tessel >/dev/null; then
+    chown -R 65534:65534 tree
+    shared=(tree/galleries.html tree/large/bad.jpg tree/large/tessel/{tesselbase,23,24}.*)
+    touch tree/galleries.html && chmod 666 "${shared[@]}" && chown 0:0 "${shared[@]}"
+    env -u HOME "${other[@]}" bin/tessel-tree --page tree &>said || true # -dash stays as it is
+    [[ $(stat -c '%a %u %g' "${shared[@]}" | sort -u) == '666 0 0' ]] || fail "$(stat -c '%n %a %u' "${shared[@]}")"
+    [[ -s tree/galleries.html ]] || fail 'no page'
+    rm tree/galleries.html
+    expect_plain "somebody else's" '7 galleries'
+else
+    echo 'tree_test: left out: files of somebody else'
+fi
+rm bin/tessel-tree && chown -R "$EUID" tree && run
 
 # The page of galleries, and what is left when pictures are gone. Nothing goes through a link, and
 # files keep their modes.
