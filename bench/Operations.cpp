@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "fuzz/PixelByPixel.h"
+#include "tests/support/PixelByPixel.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "fuzz/EncodeJpeg.h"
+#include "tests/support/EncodeJpeg.h"
 
 namespace fs = std::filesystem;
 

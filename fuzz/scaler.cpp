@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "fuzz/Fuzz.h"
-#include "fuzz/PixelByPixel.h"
+#include "tests/support/PixelByPixel.h"
 #include "graflib/CGraflib.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "app/OutputFile.h"
 
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 using OutputFile = FolderTest;
 

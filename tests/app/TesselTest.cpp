@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <map>
 
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 #include "util/CFileIO.h"
 
 using Tessel = FolderTest;

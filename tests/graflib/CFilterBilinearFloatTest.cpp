@@ -3,7 +3,7 @@
 #include <climits>
 
 #include "graflib/SinglePrecision.h"
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 using Line = std::vector<float>;
 

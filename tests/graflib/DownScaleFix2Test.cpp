@@ -1,5 +1,5 @@
-#include "fuzz/PixelByPixel.h"
-#include "tests/TestSupport.h"
+#include "tests/support/PixelByPixel.h"
+#include "tests/support/TestSupport.h"
 
 /// What DownScaleFix2 makes of a picture, which must be what its pixels are one by one.
 static Bytes Scaled(const Shape& shape, const Bytes& pixels, int width, int height)

@@ -1,4 +1,4 @@
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 template <typename Sample>
 static void ExpectHalved(int width, int components)

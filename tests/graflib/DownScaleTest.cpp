@@ -2,7 +2,7 @@
 // filter cuts.
 #include <cstring>
 
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 /// 16-bit samples in the machine's byte order.
 static Bytes Shorts(const std::vector<short>& samples)

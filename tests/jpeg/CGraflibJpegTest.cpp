@@ -6,7 +6,7 @@
 #include <cmath>
 #include <new>
 
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 using CGraflibJpegTest = FolderTest;
 

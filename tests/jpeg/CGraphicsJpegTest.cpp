@@ -1,6 +1,6 @@
 #include "jpeg/CGraphicsJpeg.h"
 
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 using CGraphicsJpegTest = FolderTest;
 

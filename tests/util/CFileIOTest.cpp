@@ -9,7 +9,7 @@
 #include <climits>
 #include <functional>
 
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 using Own = std::unique_ptr<char[]>;  // takes over what a function made
 

@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 #include "util/SizeProduct.h"
 
 TEST(CStringTool, SplitsTrimsAndReadsNumbers)

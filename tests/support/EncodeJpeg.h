@@ -1,5 +1,5 @@
-#ifndef TESSEL_FUZZ_ENCODEJPEG_H
-#define TESSEL_FUZZ_ENCODEJPEG_H
+#ifndef TESSEL_TESTS_SUPPORT_ENCODEJPEG_H
+#define TESSEL_TESTS_SUPPORT_ENCODEJPEG_H
 
 // JPEG files of every kind, by libjpeg alone: for seeds and tests.
 #include <cstdio>

@@ -1,5 +1,5 @@
-#ifndef TESSEL_TESTS_TESTSUPPORT_H
-#define TESSEL_TESTS_TESTSUPPORT_H
+#ifndef TESSEL_TESTS_SUPPORT_TESTSUPPORT_H
+#define TESSEL_TESTS_SUPPORT_TESTSUPPORT_H
 
 // What the tests share: temporary folders, images with contents, encoded pictures, program runs.
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@
 #include <utility>
 #include <vector>
 
-#include "fuzz/EncodeJpeg.h"
+#include "tests/support/EncodeJpeg.h"
 #include "jpeg/CGraflibJpeg.h"
 
 namespace fs = std::filesystem;

@@ -1,5 +1,5 @@
-#ifndef TESSEL_FUZZ_PIXELBYPIXEL_H
-#define TESSEL_FUZZ_PIXELBYPIXEL_H
+#ifndef TESSEL_TESTS_SUPPORT_PIXELBYPIXEL_H
+#define TESSEL_TESTS_SUPPORT_PIXELBYPIXEL_H
 
 // The fixed-point scaler pixel by pixel, as CGraflib::GetScaledPicturePixel defines it, however
 // slow: what tests, fuzz target and benchmark hold the fast one against.
