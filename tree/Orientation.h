@@ -8,9 +8,8 @@ class CGraflib;
 
 constexpr int kUpright = 1;  ///< the orientation of a picture that is shown as it is stored
 
-/// A JPEG file's orientation, 1 to 8. kUpright where the file says nothing, or nothing that browsers
-/// would follow, and for what can't be read or isn't an ordinary file. Reads some hundred kilobytes
-/// at most.
+/// A JPEG file's orientation, 1 to 8. kUpright where the file gives none that browsers follow, and
+/// for what can't be read or isn't an ordinary file. Reads little, however large the file is.
 int ReadOrientation(const char* path);
 
 /// Turns a picture of this orientation so that it is seen as browsers show the file. Does nothing
