@@ -1,12 +1,14 @@
-// Making one thumbnail.
+#include "app/CThumbnail.h"
+
+#include <unistd.h>
+
 #include <algorithm>
 #include <iostream>
 #include <new>
 
-#include "app/CTessel.h"
+#include "app/GalleryLayout.h"
 #include "app/OutputFile.h"
 #include "graflib/SinglePrecision.h"
-#include "jpeg/CGraflibJpeg.h"
 
 namespace {
 
@@ -20,7 +22,7 @@ int ShorterSide(int size, int shorter, int longer)
 }
 
 /// Reads a picture at the size of its thumbnail.
-void ReadThumb(CGraflibJpeg& image, const char* source, int size)
+void ReadScaled(CGraflibJpeg& image, const char* source, int size)
 {
     image.OpenReadLine(source);
     int width = size;
@@ -34,27 +36,40 @@ void ReadThumb(CGraflibJpeg& image, const char* source, int size)
 
 }  // namespace
 
-void CTessel::MakeThumb(const char* source, const char* target, int size)
+bool CThumbnail::Read(const char* source, int size)
 {
-    MakeThumb(source, target, size, true);
+    std::cout << "Reading " << source << std::endl;
+    if (!IsReadable(source))
+        return false;
+    try {
+        ReadScaled(mImage, source, size < 1 ? kDefaultThumbSize : size);
+        return true;
+    } catch (const CGraflibException&) {
+        return false;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
 }
 
-/// Without `store`, what is made isn't kept, as if its file couldn't be created.
-void CTessel::MakeThumb(const char* source, const char* target, int size, bool store)
+bool CThumbnail::Write(std::FILE* stream, const char* target)
 {
-    CGraflibJpeg image;
-    const CPixelOwner owner(&image);
+    std::cout << "Writing " << target << std::endl;
     try {
-        std::cout << "Reading " << source << std::endl;
-        if (!IsReadable(source))
-            return;
-        ReadThumb(image, source, size < 1 ? kDefaultThumbSize : size);
-        std::cout << "Writing " << target << std::endl;
-        if (store && image.CanWrite() && MakeWay(target))
-            image.Write(target, true, nullptr);
+        return stream && mImage.Write(stream);
     } catch (const CGraflibException&) {
-        // A picture that can't be read, or a thumbnail that can't be written, is left out.
+        return false;
     } catch (const std::bad_alloc&) {
-        // So is a picture for which there is no memory.
+        return false;
     }
+}
+
+bool CThumbnail::Write(const char* target)
+{
+    std::FILE* const stream = mImage.CanWrite() ? OpenOutput(target) : nullptr;
+    const bool written = Write(stream, target);
+    if (stream && !(CloseOutput(stream) && written)) {
+        unlink(target);
+        return false;
+    }
+    return written;
 }
