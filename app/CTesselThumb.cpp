@@ -29,7 +29,7 @@ void ReadThumb(CGraflibJpeg& image, const char* source, int size)
         height = ShorterSide(size, image.mHeight, image.mWidth);
     else
         width = ShorterSide(size, image.mWidth, image.mHeight);
-    image.DownScaleLines(source, width, height);
+    image.ScaleWhileReading(source, width, height);
 }
 
 }  // namespace

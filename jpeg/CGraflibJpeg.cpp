@@ -112,9 +112,9 @@ void CGraflibJpeg::CloseReadLine()
         mLineJpeg->CloseJpegLines();
 }
 
-unsigned char* CGraflibJpeg::DownScaleLines(const char* name, int width, int height)
+unsigned char* CGraflibJpeg::ScaleWhileReading(const char* name, int width, int height)
 {
-    return CGraflib::DownScaleLines(mOpened, name, width, height);
+    return CGraflib::ScaleWhileReading(mOpened, name, width, height);
 }
 
 bool CGraflibJpeg::OpenWriteLine(const char* fileName)
