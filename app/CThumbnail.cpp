@@ -31,7 +31,7 @@ void ReadScaled(CGraflibJpeg& image, const char* source, int size)
         height = ShorterSide(size, image.mHeight, image.mWidth);
     else
         width = ShorterSide(size, image.mWidth, image.mHeight);
-    image.DownScaleLines(source, width, height);
+    image.ScaleWhileReading(source, width, height);
 }
 
 }  // namespace

@@ -157,9 +157,9 @@ void CGraflibJpeg::CloseReadLine()
     mWarnings = mLineJpeg->mWarnings;
 }
 
-unsigned char* CGraflibJpeg::DownScaleLines(const char* name, int width, int height)
+unsigned char* CGraflibJpeg::ScaleWhileReading(const char* name, int width, int height)
 {
-    return CGraflib::DownScaleLines(mOpened, name, width, height);
+    return CGraflib::ScaleWhileReading(mOpened, name, width, height);
 }
 
 bool CGraflibJpeg::OpenWriteLine(const char* fileName)

@@ -83,7 +83,7 @@ public:
     /// that the record holds. Writes what Read, Show(name) and DownScaleFix2 write, and closes the
     /// file. Returns the new buffer, or null where DownScaleFix2 does. Throws GLIB_ERR_READ with
     /// `name` when a row can't be read, leaving the record as it was.
-    unsigned char* DownScaleLines(const char* name, int width, int height);
+    unsigned char* ScaleWhileReading(const char* name, int width, int height);
 
     /// Opens a file for mHeight calls of WriteLine, of rows of mWidth pixels. True; throws
     /// GLIB_ERR_WRITE when the file can't be opened, and, without touching it, for sides outside 1
