@@ -127,6 +127,22 @@ bool WriteInPlace(const std::string& path, std::string_view text)
     return close(file) == 0 && written;
 }
 
+/// Whether a regular file holds just this text. Nothing else is opened.
+bool HasContents(const std::string& path, const std::string& text)
+{
+    struct stat status = {};
+    if (lstat(path.c_str(), &status) != 0 || !IsOrdinary(status) ||
+        status.st_size != static_cast<off_t>(text.size()))
+        return false;
+    const int file = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0)
+        return false;
+    std::string found(text.size(), '\0');
+    const ssize_t count = read(file, found.data(), found.size());
+    close(file);
+    return count == static_cast<ssize_t>(text.size()) && found == text;
+}
+
 EReplaced WriteDraft(const CDraftFolder& folder, const std::string& path, std::string_view text)
 {
     CDraft draft(folder, path);
@@ -266,4 +282,9 @@ bool ReplaceFile(const std::string& path, std::string_view text)
         }
     }
     return false;
+}
+
+bool UpdateFile(const std::string& path, const std::string& text)
+{
+    return HasContents(path, text) || ReplaceFile(path, text);
 }

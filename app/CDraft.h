@@ -78,4 +78,7 @@ private:
 /// is overwritten in place, once there is room for all of it.
 bool ReplaceFile(const std::string& path, std::string_view text);
 
+/// The same, but a regular file that already has these contents stays, with its time.
+bool UpdateFile(const std::string& path, const std::string& text);
+
 #endif

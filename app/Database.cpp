@@ -10,7 +10,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <new>
-#include <numeric>
 #include <string_view>
 
 #include "app/CDraft.h"
@@ -94,32 +93,39 @@ void AddRecords(std::string_view text, std::set<SFileInfo>* records)
 
 }  // namespace
 
-bool ReadDatabase(const char* path, std::set<SFileInfo>* records)
+bool ReadDatabase(const char* path, std::set<SFileInfo>* records, std::string* text)
 {
     try {
-        std::string text;
+        std::string whole;
         std::set<SFileInfo> read;
-        if (!ReadWhole(path, &text))
+        if (!ReadWhole(path, &whole))
             return false;
-        AddRecords(text, &read);
+        AddRecords(whole, &read);
         if (records->empty())
             records->swap(read);
         else
             records->merge(read);
+        if (text)
+            text->swap(whole);
         return true;
     } catch (const std::bad_alloc&) {
         return false;
     }
 }
 
-bool WriteDatabase(const char* path, const std::set<SFileInfo>& records)
+std::string DatabaseText(const std::set<SFileInfo>& records)
 {
     std::string text;
     for (const SFileInfo& info : records) {
         if (info.mName.find_first_of(kUnstorable) == std::string::npos)
             text += info.mName + kSeparator + std::to_string(info.mTime) + '\n';
     }
-    return ReplaceFile(path, text);
+    return text;
+}
+
+bool WriteDatabase(const char* path, const std::set<SFileInfo>& records)
+{
+    return ReplaceFile(path, DatabaseText(records));
 }
 
 bool GetFileTime(const char* path, long* time)
@@ -141,22 +147,4 @@ SPictureState TestPicture(const char* path, const SFileInfo* record)
     state.mHasTime = GetFileTime(path, &state.mTime);
     state.mMustMake = !state.mHasTime || !record || record->mTime < state.mTime;
     return state;
-}
-
-std::vector<const SFileInfo*> FindRecords(const std::set<SFileInfo>& records,
-                                          const std::vector<std::string>& names)
-{
-    std::vector<std::size_t> order(names.size());
-    std::iota(order.begin(), order.end(), 0);
-    std::sort(order.begin(), order.end(),
-              [&names](std::size_t a, std::size_t b) { return names[a] < names[b]; });
-    std::vector<const SFileInfo*> found(names.size());
-    auto record = records.begin();
-    for (const std::size_t i : order) {
-        while (record != records.end() && record->mName < names[i])
-            ++record;
-        if (record != records.end() && record->mName == names[i])
-            found[i] = &*record;
-    }
-    return found;
 }

@@ -3,7 +3,6 @@
 
 #include <set>
 #include <string>
-#include <vector>
 
 /// @file
 /// The thumbnail database: the records of a gallery's pictures, the file that keeps them from run
@@ -43,11 +42,15 @@ constexpr long kMostDatabaseBytes = 1L << 26;
 ///
 /// False where a file stands that could not be read whole, for an error of the system or lack of
 /// memory, or because it is too large: no record is added then, and the file must not be
-/// overwritten. True when it was read, and where there is nothing that could hold records.
-bool ReadDatabase(const char* path, std::set<SFileInfo>* records);
+/// overwritten. True when it was read, and where there is nothing that could hold records. The
+/// file's contents are then left in `text`, unless that is null.
+bool ReadDatabase(const char* path, std::set<SFileInfo>* records, std::string* text = nullptr);
 
-/// Puts a file of all records in the place of the old one (see ReplaceFile). A name that the format
-/// can't hold is left out. False when that can't be; the old file is then what it was.
+/// The contents of a file of all records. A name that the format can't hold is left out.
+std::string DatabaseText(const std::set<SFileInfo>& records);
+
+/// Puts a file of all records in the place of the old one (see ReplaceFile). False when that can't
+/// be; the old file is then what it was.
 bool WriteDatabase(const char* path, const std::set<SFileInfo>& records);
 
 /// The modification time of a file; false when it can't be opened. Never waits for a writer.
@@ -55,9 +58,5 @@ bool GetFileTime(const char* path, long* time);
 
 /// Asks for the picture's time. `record` is null for a picture without one.
 SPictureState TestPicture(const char* path, const SFileInfo* record);
-
-/// The records of the names, one for each, null where there is none.
-std::vector<const SFileInfo*> FindRecords(const std::set<SFileInfo>& records,
-                                          const std::vector<std::string>& names);
 
 #endif
