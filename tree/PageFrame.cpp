@@ -12,15 +12,16 @@ constexpr const char* kStyle = R"(
 @media (prefers-color-scheme: dark) { :root { --page: #151515; --cell: #242424; --note: #aaa } }
 body { margin: 0; padding: 1rem; background: var(--page); font: 1rem/1.4 system-ui, sans-serif }
 h1 { margin: 0; font-size: 1.5rem; overflow-wrap: anywhere }
-p, ul { margin: 0 0 1rem }
-ul { display: grid; gap: .75rem; padding: 0; list-style: none; grid-template-columns:
+p { margin: 0 0 1rem }
+ul { display: grid; gap: .75rem; margin: 0; padding: 0; list-style: none; grid-template-columns:
   repeat(auto-fill, minmax(min(max(var(--thumb), 7rem) + 1rem, 50% - .375rem), 1fr)) }
 li { position: relative; box-sizing: border-box; padding: .5rem; border-radius: .5rem;
   background: var(--cell); overflow-wrap: anywhere; text-align: center; font-size: .875rem }
-li a { display: grid; place-items: center; aspect-ratio: 1; margin-bottom: .25rem }
+li a { display: grid; place-items: center; aspect-ratio: 1; max-width: max(var(--thumb), 7rem);
+  margin: 0 auto .25rem }
 li a::after { content: ""; position: absolute; inset: 0 }
 li:hover, li:focus-within { outline: 2px solid var(--note) }
-img { width: 100%; height: 100%; object-fit: scale-down }
+img { width: 100%; aspect-ratio: 1; object-fit: scale-down }
 p, small { color: var(--note) }
 small { display: block }
 )";
