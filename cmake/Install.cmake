@@ -30,8 +30,8 @@ install(TARGETS tessel_util tessel_graflib tessel_jpeg EXPORT tesselTargets
 # But the headers that only the libraries' own sources include.
 install(DIRECTORY util graflib jpeg DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tessel
   COMPONENT development
-  FILES_MATCHING PATTERN "*.h" PATTERN PixelWalk.h EXCLUDE PATTERN ScaledRow.h EXCLUDE
-    PATTERN ReadRows.h EXCLUDE PATTERN SJpegState.h EXCLUDE PATTERN SinglePrecision.h EXCLUDE)
+  FILES_MATCHING PATTERN "*.h" PATTERN "DownScaleFix2*.h" EXCLUDE PATTERN PixelWalk.h EXCLUDE
+    PATTERN SJpegState.h EXCLUDE PATTERN SinglePrecision.h EXCLUDE)
 install(EXPORT tesselTargets NAMESPACE tessel:: DESTINATION ${TESSEL_CMAKE_DIR}
   COMPONENT development)
 

@@ -162,7 +162,8 @@ protected:
     /// are read; but in the memory of a few rows. `opened` has the picture's size and depth. Closes
     /// the file. Throws GLIB_ERR_READ with `name` when a row can't be read, leaving the record as
     /// it was.
-    unsigned char* DownScaleLines(const CDataRect& opened, const char* name, int width, int height);
+    unsigned char* ScaleWhileReading(const CDataRect& opened, const char* name, int width,
+                                     int height);
 
 private:
     template <typename Tsample>
