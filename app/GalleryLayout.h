@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "util/CFileIO.h"
+
 /// @file
 /// What a gallery consists of: the names in the folder and the shape of the page.
 
@@ -12,6 +14,14 @@ constexpr const char* kThumbFolder = "tessel";        ///< also holds the databa
 constexpr const char* kDbaseFile = "tesselbase.txt";  ///< in the thumbnail folder
 constexpr int kDefaultThumbSize = 192;                ///< pixels, the longer side
 constexpr int kCellsPerRow = 5;
+
+/// True for a file name that the pattern takes, in any letter case.
+inline bool IsPictureName(const std::string& name)
+{
+    const std::string suffix = kPicturePattern + 1;
+    return name.size() >= suffix.size() &&
+           CFileIO::Strcmpx(name.c_str() + name.size() - suffix.size(), suffix.c_str());
+}
 
 /// The paths of one gallery, made of the folder as the user wrote it.
 struct SGalleryPaths

@@ -26,10 +26,11 @@ struct SFolderCloser
     void operator()(DIR* folder) const { closedir(folder); }
 };
 
-bool EndsWith(const std::string& name, const std::string& suffix)
+bool IsPassedOver(const std::string& name)
 {
-    return name.size() >= suffix.size() &&
-           CFileIO::Strcmpx(name.c_str() + name.size() - suffix.size(), suffix.c_str());
+    const std::size_t length = std::strlen(kPassedOverSuffix);
+    return name.size() >= length &&
+           CFileIO::Strcmpx(name.c_str() + name.size() - length, kPassedOverSuffix);
 }
 
 /// Whether an entry is a real folder, and no link to one.
@@ -81,6 +82,13 @@ bool CFolderFinder::IsEntered(const std::string& name) const
            std::find(excluded.begin(), excluded.end(), name) == excluded.end();
 }
 
+/// True for a folder that is found in another turn: that of the root that it is itself.
+bool CFolderFinder::IsOthersTurn(const struct stat& status, bool isRoot)
+{
+    const Identity identity(status.st_dev, status.st_ino);
+    return isRoot ? !mBegun.insert(identity).second : mRoots.count(identity) != 0;
+}
+
 /// Lists a folder: what is in it decides whether it has a gallery, and which folders follow.
 std::optional<SFoundFolder> CFolderFinder::Visit(const SFolder& folder)
 {
@@ -90,34 +98,36 @@ std::optional<SFoundFolder> CFolderFinder::Visit(const SFolder& folder)
         mReport.AddUnfinished(folder.mPath, std::strerror(errno));
         return std::nullopt;
     }
-    // Below another folder, one that is named itself is left to its own turn.
-    const Identity identity(status.st_dev, status.st_ino);
-    if (folder.mRelative.empty() ? mBegun.count(identity) != 0 : mRoots.count(identity) != 0)
+    if (IsOthersTurn(status, folder.mRelative.empty()))
         return std::nullopt;
-    if (folder.mRelative.empty())
-        mBegun.insert(identity);
-
     SFoundFolder found{mRoot - 1, folder.mPath, folder.mRelative};
     std::vector<std::string> folders;
-    errno = 0;
-    while (const dirent* entry = readdir(handle.get())) {
-        const std::string name = entry->d_name;
-        found.mPictures += EndsWith(name, kPicturePattern + 1) ? 1 : 0;
-        found.mPassedOver += EndsWith(name, kPassedOverSuffix) ? 1 : 0;
-        if (!mOptions.mOnly && IsEntered(name) &&
-            IsFolder(dirfd(handle.get()), entry->d_name, entry->d_type))
-            folders.push_back(name);
-        errno = 0;
-    }
-    if (errno != 0)
+    if (!List(handle.get(), found, folders))
         mReport.AddUnfinished(folder.mPath, std::strerror(errno));
     // The last one is visited first.
     std::sort(folders.rbegin(), folders.rend(), IsBefore);
+    const std::string prefix = folder.mRelative.empty() ? "" : folder.mRelative + "/";
     for (const std::string& name : folders)
-        mToDo.push_back({folder.mPath + "/" + name,
-                         folder.mRelative.empty() ? name : folder.mRelative + "/" + name});
+        mToDo.push_back({folder.mPath + "/" + name, prefix + name});
     const std::string dbase = SGalleryPaths(folder.mPath).mDbase;
     if (found.mPictures == 0 && (stat(dbase.c_str(), &status) != 0 || !S_ISREG(status.st_mode)))
         return std::nullopt;
     return found;
+}
+
+/// Counts the pictures of an open folder, and adds the names of the folders to enter. False with
+/// the system's errno where it can't be listed to its end.
+bool CFolderFinder::List(DIR* folder, SFoundFolder& found, std::vector<std::string>& folders) const
+{
+    errno = 0;
+    while (const dirent* entry = readdir(folder)) {
+        const std::string name = entry->d_name;
+        found.mPictures += IsPictureName(name) ? 1 : 0;
+        found.mPassedOver += IsPassedOver(name) ? 1 : 0;
+        if (!mOptions.mOnly && IsEntered(name) &&
+            IsFolder(dirfd(folder), entry->d_name, entry->d_type))
+            folders.push_back(name);
+        errno = 0;
+    }
+    return errno == 0;
 }

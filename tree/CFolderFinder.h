@@ -1,6 +1,8 @@
 #ifndef TESSEL_TREE_CFOLDERFINDER_H
 #define TESSEL_TREE_CFOLDERFINDER_H
 
+#include <dirent.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <cstddef>
@@ -52,6 +54,8 @@ private:
     bool BeginNextRoot();
     std::optional<SFoundFolder> Visit(const SFolder& folder);
     bool IsEntered(const std::string& name) const;
+    bool IsOthersTurn(const struct stat& status, bool isRoot);
+    bool List(DIR* folder, SFoundFolder& found, std::vector<std::string>& folders) const;
 
     const STreeOptions& mOptions;
     CReport& mReport;

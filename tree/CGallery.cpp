@@ -32,14 +32,6 @@ std::string BackLink(const std::string& relative)
     return link;
 }
 
-/// True for the name of a thumbnail, which a record may hold, and for no path.
-bool IsThumbName(const std::string& name)
-{
-    const std::string suffix = kPicturePattern + 1;
-    return name.find('/') == std::string::npos && name.size() >= suffix.size() &&
-           CFileIO::Strcmpx(name.c_str() + name.size() - suffix.size(), suffix.c_str());
-}
-
 }  // namespace
 
 CGallery::CGallery(const SFoundFolder& folder, const STreeOptions& options, CReport& report)
@@ -234,16 +226,17 @@ void CGallery::Close()
 /// Removes a thumbnail whose name stands in the database; false when it is still there.
 bool CGallery::RemoveThumb(int folder, const std::string& name) const
 {
-    return !IsThumbName(name) || unlinkat(folder, name.c_str(), 0) == 0 || errno == ENOENT;
+    const bool isThumbName = IsPictureName(name) && name.find('/') == std::string::npos;
+    return !isThumbName || unlinkat(folder, name.c_str(), 0) == 0 || errno == ENOENT;
 }
 
 /// Removes the records of pictures that are gone, and their thumbnails. Nothing is removed through
 /// a link.
 void CGallery::Prune()
 {
-    const int folder =
-        mHasDatabase ? open(mPaths.mThumbFolder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)
-                     : -1;
+    const int folder = mHasDatabase ? open(mPaths.mThumbFolder.c_str(),
+                                           O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)
+                                    : -1;
     if (folder < 0)
         return;
     const std::set<std::string> present(mNames.begin(), mNames.end());

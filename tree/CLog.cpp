@@ -32,8 +32,8 @@ CLog::~CLog()
 bool CLog::Open(const std::string& path)
 {
     // Without waiting for a reader, should it be a FIFO.
-    const int file = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC,
-                          kNewFileMode);
+    const int file =
+        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, kNewFileMode);
     mStream = file < 0 ? nullptr : fdopen(file, "ab");
     if (!mStream) {
         if (file >= 0)

@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <string>
 
-/// The file that keeps what the making of pictures prints. It is appended to: each run begins with a
-/// line of its own, and the lines of a picture stand together. Used by one thread.
+/// The file that keeps what the making of pictures prints. It is appended to: each run begins with
+/// a line of its own, and the lines of a picture stand together. Used by one thread.
 class CLog
 {
 public:

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <iostream>
 
 namespace {
@@ -13,22 +14,22 @@ constexpr const char* kClearLine = "\r\033[K";
 /// A time such as 1:02:03 or 2:03.
 std::string TimeText(long seconds)
 {
-    const auto twoDigits = [](long number) {
-        return (number < 10 ? "0" : "") + std::to_string(number);
-    };
+    char text[32];
     const long minutes = seconds / 60;
-    const std::string rest = twoDigits(seconds % 60);
     if (minutes < 60)
-        return std::to_string(minutes) + ":" + rest;
-    return std::to_string(minutes / 60) + ":" + twoDigits(minutes % 60) + ":" + rest;
+        std::snprintf(text, sizeof text, "%ld:%02ld", minutes, seconds % 60);
+    else
+        std::snprintf(text, sizeof text, "%ld:%02ld:%02ld", minutes / 60, minutes % 60,
+                      seconds % 60);
+    return text;
 }
 
 }  // namespace
 
 std::string ProgressText(long done, long total, double seconds)
 {
-    std::string text = std::to_string(done) + " of " + std::to_string(std::max(done, total)) +
-                       " pictures";
+    std::string text =
+        std::to_string(done) + " of " + std::to_string(std::max(done, total)) + " pictures";
     if (done == 0 || seconds <= 0)
         return text;
     const double rate = static_cast<double>(done) / seconds;

@@ -214,8 +214,7 @@ void CTreeRun::WritePages()
         const std::string path = root + "/" + kGalleriesFile;
         std::error_code error;
         if (std::filesystem::is_directory(root, error) &&
-            !UpdateFile(path,
-                        MakeGalleriesPage(NameOf(root), mEntries[i], mOptions.mThumbSize)))
+            !UpdateFile(path, MakeGalleriesPage(NameOf(root), mEntries[i], mOptions.mThumbSize)))
             mReport.AddFailure(path);
     }
 }

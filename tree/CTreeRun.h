@@ -60,8 +60,8 @@ private:
     CReport& mReport;
     CFolderFinder mFinder;
     CProgress mProgress;
-    Galleries mOpen;                       // the galleries in work, in the order of opening
-    std::vector<SFoundFolder> mLocked;     // put off
+    Galleries mOpen;                         // the galleries in work, in the order of opening
+    std::vector<SFoundFolder> mLocked;       // put off
     std::map<std::uint64_t, STaken> mTaken;  // pictures that are with the workers
     std::uint64_t mNextTag = 0;
     long mDone = 0;  // pictures

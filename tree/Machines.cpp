@@ -1,5 +1,6 @@
 #include "tree/Machines.h"
 
+#include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -36,9 +37,12 @@ std::string Joined(const std::vector<std::string>& parts)
 
 std::vector<std::string> ParallelCommand(const STreeOptions& options)
 {
-    std::vector<std::string> command{"parallel", "--will-cite", "--no-notice", "-0", "--filter-hosts",
-                                     "-n", std::to_string(kGalleriesAtATime), "-j", "1",
-                                     "--sshlogin", Joined(options.mMachines), "tessel-tree"};
+    std::vector<std::string> command{"parallel",   "--will-cite",
+                                     "-0",         "--filter-hosts",
+                                     "-n",         std::to_string(kGalleriesAtATime),
+                                     "-j",         "1",
+                                     "--sshlogin", Joined(options.mMachines),
+                                     "tessel-tree"};
     for (const std::string& argument : ArgumentsForMachine(options))
         command.push_back(argument);
     command.insert(command.end(), {"--only", "--", "{}"});
@@ -119,8 +123,9 @@ void WaitFor(pid_t pid)
 bool RunOnMachines(const STreeOptions& options)
 {
     int files[2];
-    if (pipe2(files, O_CLOEXEC) != 0)
+    if (pipe(files) != 0)
         return false;
+    fcntl(files[1], F_SETFD, FD_CLOEXEC);  // or GNU parallel would wait for itself
     const pid_t pid = Start(options, files[0]);
     close(files[0]);
     if (pid < 0) {

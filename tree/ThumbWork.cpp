@@ -118,8 +118,9 @@ std::string MakeRequestedThumb(const std::string& request, const STreeOptions& o
     if (request[0] == kAlways ||
         !IsThumbRight(picture.mGallery.Thumbnail(picture.mName), options.mThumbSize))
         result = MakeThumb(picture, options);
-    return std::to_string(static_cast<int>(result.mOutcome)) + " " +
-           std::to_string(result.mWarnings);
+    std::ostringstream reply;
+    reply << static_cast<int>(result.mOutcome) << ' ' << result.mWarnings;
+    return reply.str();
 }
 
 SThumbResult ReadThumbReply(const std::string& reply)
