@@ -1,84 +1,242 @@
+#include <climits>
+#include <new>
+
 #include "tests/support/PixelByPixel.h"
 #include "tests/support/TestSupport.h"
 
-/// What DownScaleFix2 makes of a picture, which must be what its pixels are one by one.
-static Bytes Scaled(const Shape& shape, const Bytes& pixels, int width, int height)
+using testing::Eq;
+using testing::Pointwise;
+using testing::PrintToString;
+
+namespace {
+
+const std::vector<Sizes> kSizes = {
+    // Area ratios at and just below the thresholds 16, 256 and 1024; one is rounded to 16.
+    {80, 180, 30, 30},
+    {31, 33, 8, 8},
+    {64, 144, 6, 6},
+    {47, 49, 3, 3},
+    {64, 144, 3, 3},
+    {95, 97, 3, 3},
+    {6, 88, 11, 3},
+    // Sides with and without room for 16 fraction bits.
+    {32767, 1, 3000, 1},
+    {32768, 3, 9999, 2},
+    {70000, 2, 35000, 1},
+    // More than 256 rows in one sum; sums beyond 32 bits.
+    {3, 257, 2, 1},
+    {9, 700, 1, 1},
+    {3, 1200, 2, 2},
+    {3000, 3000, 1, 1},
+    // Enlarged, until footprints have no area; the same size.
+    {300, 2, 2, 7},
+    {9, 2, 9, 900},
+    {2, 1, 70000, 1},
+    {2, 3, 1001, 200},
+    {33, 21, 33, 21}};
+
+/// An image that reads its rows out of a record's buffer.
+struct CBufferImage : TestImage
 {
-    TestImage image(shape, pixels);
-    Bytes expected(SizeProduct(width, height, image.mBits / 8));
-    ScalePixelByPixel(image, width, height, expected.data());
-    OutputOf([&] { EXPECT_EQ(image.DownScaleFix2(width, height), image.mData); });
-    EXPECT_EQ(image.GetShape(), Shape(width, height, std::get<2>(shape)));
-    EXPECT_TRUE(image.Pixels() == expected)
-        << testing::PrintToString(shape) << " to " << width << ' ' << height;
-    return image.Pixels();
+    explicit CBufferImage(const CDataRect& source) : mSource(source) {}
+
+    bool ReadLine(void* line) override
+    {
+        if (mNextRow == mSource.mHeight)
+            return false;
+        std::memcpy(line, mSource.mData + SizeProduct(mNextRow, mSource.RowBytes()),
+                    mSource.RowBytes());
+        ++mNextRow;
+        return true;
+    }
+    void CloseReadLine() override { mIsClosed = true; }
+    using CGraflib::ScaleWhileReading;
+
+    CDataRect mSource;
+    int mNextRow = 0;
+    bool mIsClosed = false;
+};
+
+}  // namespace
+
+// --- The definition ------------------------------------------------------------------------------
+
+TEST(GetScaledPicturePixel, WeighsAndRoundsAtAnyPrecision)
+{
+    // Footprints without area take the pixel in which they start: 505 columns the first of two.
+    Bytes twoColours(505, 1);
+    twoColours.resize(1001, 2);
+    const struct
+    {
+        const char* mName;
+        std::vector<int> mShifts;
+        Sizes mSizes;
+        Bytes mPixels;
+        Bytes mFirstPixels;
+    } rows[] = {
+        {"halves go up", {16, 8, 4, 2}, {2, 2, 1, 1}, {10, 11, 10, 11}, {11}},
+        {"3 columns to 2", {16, 8, 2}, {3, 1, 2, 1}, {0, 100, 200}, {33, 167}},
+        {"white loses",
+         {2},
+         {7, 7, 3, 3},
+         Bytes(49, 255),
+         {255, 242, 242, 242, 242, 242, 242, 242, 242}},
+        {"no area", {16}, {2, 1, 1001, 200}, {1, 2}, twoColours},
+    };
+    for (const auto& row : rows) {
+        const auto [width, height, newWidth, newHeight] = row.mSizes;
+        for (const int shift : row.mShifts) {
+            SCOPED_TRACE(std::string(row.mName) + ", shift " + std::to_string(shift));
+            TestImage image({width, height, 8}, row.mPixels);
+            Bytes pixels(SizeProduct(newWidth, newHeight));
+            ScaleWithShift<CPixel1fixT, SPixel1i<unsigned char>>(image, newWidth, newHeight, shift,
+                                                                 pixels.data());
+            pixels.resize(row.mFirstPixels.size());
+            EXPECT_THAT(pixels, Pointwise(Eq(), row.mFirstPixels));
+        }
+    }
 }
 
-TEST(DownScaleFix2, EqualsTheDefinition)
+// --- The scaler ----------------------------------------------------------------------------------
+
+TEST(DownScaleFix2, EqualsTheDefinitionInMemoryAndWhileReading)
 {
-    // Every precision from both sides of its threshold, where the ratio is rounded onto it, too; a
-    // side without room for 16 fraction bits; more rows than a block has, footprints that vanish,
-    // sums beyond 32 bits.
-    const std::vector<Sizes> sizes = {
-        {80, 180, 30, 30},    {31, 33, 8, 8},      {64, 144, 6, 6},     {47, 49, 3, 3},
-        {64, 144, 3, 3},      {95, 97, 3, 3},      {6, 88, 11, 3},      {9, 700, 1, 1},
-        {3, 1200, 2, 2},      {32768, 3, 9999, 2}, {32767, 1, 3000, 1}, {300, 2, 2, 7},
-        {70000, 2, 35000, 1}, {2, 3, 1001, 200},   {9, 2, 9, 900},      {2, 1, 70000, 1},
-        {3000, 3000, 1, 1},   {3, 257, 2, 1},      {33, 21, 33, 21}};
-    for (const auto& [width, height, newWidth, newHeight] : WithRandomSizes(sizes)) {
+    for (const Sizes& sizes : WithRandomSizes(kSizes)) {
+        const auto [width, height, newWidth, newHeight] = sizes;
         for (const int bits : {8, 16, 24, 32}) {
-            const Bytes pixels = Noise(width * height * bits / 8);
-            const Bytes scaled = Scaled({width, height, bits}, pixels, newWidth, newHeight);
-            EXPECT_EQ(scaled == pixels, width == newWidth && height == newHeight);
-        }
-    }
-    EXPECT_EQ(Scaled({1, 8388608, 8}, Bytes(8388608, 255), 4, 1), Bytes(4, 255));
-}
+            SCOPED_TRACE(PrintToString(sizes) + ", bits " + std::to_string(bits));
+            TestImage source({width, height, bits}, Noise(width * height * bits / 8));
+            Bytes expected(SizeProduct(newWidth, newHeight, bits / 8));
+            ScalePixelByPixel(source, newWidth, newHeight, expected.data());
 
-TEST(GetScaledPicturePixel, WeighsAndRoundsWithAnyPrecision)
-{
-    Bytes points(1001, 1);  // of footprints without area: the pixel in which each starts
-    std::fill(points.begin() + 505, points.end(), 2);
-    const Bytes wave{255, 242, 242, 242, 242, 242, 242, 242, 242};
-    const std::tuple<std::vector<int>, Bytes, Sizes, Bytes> cases[] = {
-        {{16, 8, 4, 2}, {10, 11, 10, 11}, {2, 2, 1, 1}, {11}},
-        {{16, 8, 2}, {0, 100, 200}, {3, 1, 2, 1}, {33, 167}},
-        {{16}, {77}, {1, 1, 3, 3}, Bytes(9, 77)},
-        {{16}, Bytes(100, 255), {10, 10, 3, 3}, Bytes(9, 255)},
-        {{2}, Bytes(49, 255), {7, 7, 3, 3}, wave},
-        {{16}, {1, 2}, {2, 1, 1001, 200}, points}};
-    for (const auto& [shifts, pixels, sizes, expected] : cases) {
-        TestImage image({sizes[0], sizes[1], 8}, pixels);
-        for (const int shift : shifts) {
-            Bytes result(SizeProduct(sizes[2], sizes[3]));
-            ScaleWithShift<CPixel1fixT, SPixel1i<unsigned char>>(image, sizes[2], sizes[3], shift,
-                                                                 result.data());
-            result.resize(expected.size());  // the first of them
-            EXPECT_EQ(result, expected) << shift;
+            CBufferImage read(source);
+            OutputOf([&, &s = sizes] { read.ScaleWhileReading(source, "x", s[2], s[3]); });
+            EXPECT_EQ(read.mNextRow, height) << "rows that were read";
+            ASSERT_THAT(read.Pixels(), Pointwise(Eq(), expected));
+
+            OutputOf([&, &s = sizes] { source.DownScaleFix2(s[2], s[3]); });
+            ASSERT_THAT(source.Pixels(), Pointwise(Eq(), expected));
         }
     }
 }
 
-TEST(DownScaleFix2, SaysWhatItDoes)
+TEST(DownScaleFix2, SmallPicturesByHand)
 {
-    const std::tuple<Shape, int, const char*, bool> cases[] = {
-        {{4, 4, 8}, 2, "sizeof(Tpixel)=1\n", true},
-        {{4, 4, 16}, 2, "sizeof(Tpixel)=2\n", true},
-        {{4, 4, 24}, 2, "ScaleFakt=4\nsizeof(Tpixel)=3\n", true},
-        {{4, 4, 32}, 2, "sizeof(Tpixel)=4\n", true},
-        {{4, 4, 1}, 2, "***** unsupported bitcount:1\n", false},
-        {{4, 4, 24}, 0, "", false},
-        {{4, 4, 24}, -1, "", false},
-        {{0, 4, 24}, 2, "", false},
-        {{(1 << 29) + 1, 1, 8}, 2, "", false}};
-    for (const auto& [shape, width, words, isDone] : cases) {
-        TestImage image(shape, Bytes(64));
-        const auto* const before = image.mData;
-        EXPECT_EQ(OutputOf([&, &w = width] { image.DownScaleFix2(w, 2); }), words);
-        EXPECT_TRUE((image.mData != before) == isDone && (image.mWidth == 2) == isDone);
+    const struct
+    {
+        const char* mName;
+        Shape mShape;
+        Bytes mPixels;
+        Shape mScaled;
+        Bytes mExpected;
+    } rows[] = {
+        {"same size", {2, 2, 8}, {1, 2, 3, 4}, {2, 2, 8}, {1, 2, 3, 4}},
+        {"1 pixel to 9", {1, 1, 8}, {77}, {3, 3, 8}, Bytes(9, 77)},
+        {"2 columns to 3", {2, 1, 8}, {0, 90}, {3, 1, 8}, {0, 45, 90}},
+        {"white stays", {7, 7, 8}, Bytes(49, 255), {3, 3, 8}, Bytes(9, 255)},
+        {"24 bits", {1, 2, 24}, {10, 20, 30, 50, 60, 70}, {1, 1, 24}, {30, 40, 50}},
+        {"32 bits", {1, 2, 32}, {1, 2, 3, 4, 3, 4, 5, 6}, {1, 1, 32}, {2, 3, 4, 5}},
+        {"16 bits", {2, 1, 16}, Shorts({255, 258}), {1, 1, 16}, Shorts({257})},
+        {"-0.5 goes up", {2, 1, 16}, Shorts({-1, 0}), {1, 1, 16}, Shorts({0})},
+        {"-1.5 goes up", {2, 1, 16}, Shorts({-1, -2}), {1, 1, 16}, Shorts({-1})},
+        {"millions of rows", {1, 1 << 23, 8}, Bytes(1 << 23, 255), {4, 1, 8}, Bytes(4, 255)},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.mName);
+        const auto [width, height, bits] = row.mScaled;
+        TestImage image(row.mShape, row.mPixels);
+        image.DownScaleFix2(width, height);
+        EXPECT_EQ(image.GetShape(), row.mScaled);
+        EXPECT_EQ(image.Pixels(), row.mExpected);
     }
+}
+
+TEST(DownScaleFix2, WritesTheBytesOfAPixelAndTheRatioOf24Bits)
+{
+    for (const int bits : {8, 16, 24, 32}) {
+        TestImage image({4, 4, bits}, Bytes(64));
+        const std::string output = OutputOf([&] { image.DownScaleFix2(2, 2); });
+        const std::string ratio = bits == 24 ? "ScaleFakt=4\n" : "";
+        EXPECT_EQ(output, ratio + "sizeof(Tpixel)=" + std::to_string(bits / 8) + "\n");
+    }
+}
+
+TEST(DownScaleFix2, RefusesWhatCannotBeScaled)
+{
+    const struct
+    {
+        const char* mName;
+        Shape mShape;
+        Bytes mPixels;
+        int mWidth;
+        int mHeight;
+        const char* mOutput;
+    } rows[] = {
+        {"1 bit", {4, 4, 1}, Bytes(64), 2, 2, "***** unsupported bitcount:1\n"},
+        {"target width 0", {4, 4, 24}, Bytes(64), 0, 2, ""},
+        {"target height -1", {4, 4, 24}, Bytes(64), 2, -1, ""},
+        {"no columns", {0, 4, 24}, Bytes(64), 2, 2, ""},
+        {"no rows", {4, 0, 24}, Bytes(64), 2, 2, ""},
+        {"no buffer", {4, 4, 24}, {}, 2, 2, ""},
+        {"2^29 columns", {1 << 29, 1, 8}, Bytes(64), 2, 2, ""},
+        {"2^29 rows", {1, 1 << 29, 8}, Bytes(64), 2, 2, ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.mName);
+        TestImage image(row.mShape, row.mPixels);
+        const unsigned char* const before = image.mData;
+        const unsigned char* result = before;
+        const std::string output =
+            OutputOf([&] { result = image.DownScaleFix2(row.mWidth, row.mHeight); });
+        EXPECT_EQ(result, nullptr);
+        EXPECT_EQ(output, row.mOutput);
+        EXPECT_EQ(image.mData, before);
+        EXPECT_EQ(image.GetShape(), row.mShape);
+    }
+}
+
+TEST(DownScalePicture, FillsNothingForATargetWithoutPixels)
+{
     TestImage image({1, 1, 8}, {1});
     SPixel1i<unsigned char>* const nowhere = nullptr;
-    const auto scale = [&] { image.DownScalePicture<16, CPixel1fixT<16>>(nowhere, 0, 1); };
-    EXPECT_EQ(OutputOf(scale), "sizeof(Tpixel)=1\n");
+    const std::string output =
+        OutputOf([&] { image.DownScalePicture<16, CPixel1fixT<16>>(nowhere, 0, 1); });
+    EXPECT_EQ(output, "sizeof(Tpixel)=1\n");
+}
+
+// --- A picture that is read meanwhile ------------------------------------------------------------
+
+TEST(ScaleWhileReading, ReadsAllRowsAndSaysSoAlsoWhenItRefuses)
+{
+    const std::string shown = "x.jpg Width=3 Height=2 mBits=24 Data != NULL\n";
+    const std::string scaled = shown + "ScaleFakt=3\nsizeof(Tpixel)=3\n";
+    for (const int width : {1, 0}) {
+        TestImage source({3, 2, 24}, Noise(18));
+        CBufferImage image(source);
+        const std::string output =
+            OutputOf([&] { image.ScaleWhileReading(source, "x.jpg", width, 2); });
+        EXPECT_EQ(output, width == 1 ? scaled : shown);
+        EXPECT_EQ(image.mWidth, width);
+        EXPECT_EQ(image.mNextRow, 2) << width;
+        EXPECT_TRUE(image.mIsClosed) << width;
+    }
+}
+
+TEST(ScaleWhileReading, ReadsAllRowsAlsoWhenThereIsNoMemory)
+{
+    TestImage source({3, 2, 24}, Noise(18));
+    CBufferImage image(source);
+    EXPECT_THROW(image.ScaleWhileReading(source, "x.jpg", INT_MAX, INT_MAX), std::bad_alloc);
+    EXPECT_EQ(image.mNextRow, 2);
+    EXPECT_TRUE(image.mIsClosed);
+}
+
+TEST(ScaleWhileReading, ThrowsWhenARowCannotBeRead)
+{
+    TestImage source({3, 2, 24}, Noise(18));
+    CBufferImage image(source);
+    image.mNextRow = 1;
+    const std::string output = OutputOf([&] { image.ScaleWhileReading(source, "x.jpg", 1, 1); });
+    EXPECT_EQ(output, "Errors: 1 x.jpg");
+    EXPECT_EQ(image.mData, nullptr);
 }
