@@ -3,6 +3,7 @@
 using testing::Each;
 using testing::ElementsAre;
 using testing::EndsWith;
+using testing::PrintToString;
 
 // --- SeparateAlpha -------------------------------------------------------------------------------
 
@@ -56,47 +57,38 @@ TEST(SeparateAlpha, RefusesOtherDepths)
 
 // --- InterleaveAlpha -----------------------------------------------------------------------------
 
-TEST(InterleaveAlpha, GivesAnAlphaToColoursAndReplacesAnOldOne)
+TEST(InterleaveAlpha, GivesAnAlphaTo24Bits)
 {
-    const struct
-    {
-        const char* mName;
-        Shape mShape;
-        Bytes mPixels;
-    } rows[] = {
-        {"24 bits", {1, 2, 24}, {1, 2, 3, 5, 6, 7}},
-        {"32 bits", {1, 2, 32}, {1, 2, 3, 9, 5, 6, 7, 9}},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.mName);
-        TestImage image(row.mShape, row.mPixels);
-        TestImage alpha({1, 2, 8}, {4, 8});
-        const bool isDone = image.InterleaveAlpha(&alpha);
-        EXPECT_TRUE(isDone);
-        EXPECT_EQ(image.GetShape(), Shape(1, 2, 32));
-        EXPECT_THAT(image.Pixels(), ElementsAre(1, 2, 3, 4, 5, 6, 7, 8));
-    }
+    TestImage image({1, 2, 24}, {1, 2, 3, 5, 6, 7});
+    TestImage alpha({1, 2, 8}, {4, 8});
+    const bool isDone = image.InterleaveAlpha(&alpha);
+    EXPECT_TRUE(isDone);
+    EXPECT_EQ(image.GetShape(), Shape(1, 2, 32));
+    EXPECT_THAT(image.Pixels(), ElementsAre(1, 2, 3, 4, 5, 6, 7, 8));
+}
+
+TEST(InterleaveAlpha, ReplacesTheAlphaOf32Bits)
+{
+    TestImage image({1, 2, 32}, {1, 2, 3, 9, 5, 6, 7, 9});
+    TestImage alpha({1, 2, 8}, {4, 8});
+    const bool isDone = image.InterleaveAlpha(&alpha);
+    EXPECT_TRUE(isDone);
+    EXPECT_THAT(image.Pixels(), ElementsAre(1, 2, 3, 4, 5, 6, 7, 8));
 }
 
 TEST(InterleaveAlpha, RefusesOtherDepthsAndSizes)
 {
-    const struct
-    {
-        const char* mName;
-        Shape mImage;
-        Shape mAlpha;
-    } rows[] = {
-        {"image of 8 bits", {1, 2, 8}, {1, 2, 8}},    {"image of 16 bits", {1, 2, 16}, {1, 2, 8}},
-        {"alpha of 16 bits", {1, 2, 24}, {1, 2, 16}}, {"alpha too wide", {1, 2, 24}, {2, 2, 8}},
-        {"alpha too low", {1, 2, 24}, {1, 1, 8}},
+    const std::pair<Shape, Shape> imagesAndAlphas[] = {
+        {{1, 2, 8}, {1, 2, 8}},  {{1, 2, 16}, {1, 2, 8}}, {{1, 2, 24}, {1, 2, 16}},
+        {{1, 2, 24}, {2, 2, 8}}, {{1, 2, 24}, {1, 1, 8}},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.mName);
-        TestImage image(row.mImage, Bytes(6, 1));
-        TestImage alpha(row.mAlpha, Bytes(4, 2));
+    for (const auto& [imageShape, alphaShape] : imagesAndAlphas) {
+        SCOPED_TRACE(PrintToString(imageShape) + " and " + PrintToString(alphaShape));
+        TestImage image(imageShape, Bytes(6, 1));
+        TestImage alpha(alphaShape, Bytes(4, 2));
         const bool isDone = image.InterleaveAlpha(&alpha);
         EXPECT_FALSE(isDone);
-        EXPECT_EQ(image.GetShape(), row.mImage);
+        EXPECT_EQ(image.GetShape(), imageShape);
         EXPECT_THAT(image.Pixels(), Each(1));
     }
 }

@@ -4,6 +4,7 @@
 #include "tests/support/PixelByPixel.h"
 #include "tests/support/TestSupport.h"
 
+using testing::ElementsAre;
 using testing::Eq;
 using testing::Pointwise;
 using testing::PrintToString;
@@ -32,7 +33,8 @@ const std::vector<Sizes> kSizes = {
     {300, 2, 2, 7},
     {9, 2, 9, 900},
     {2, 1, 70000, 1},
-    {2, 3, 1001, 200},
+    {2, 1, 1001, 200},
+    {2, 1, 1, 70000},
     {33, 21, 33, 21}};
 
 /// An image that reads its rows out of a record's buffer.
@@ -50,6 +52,7 @@ struct CBufferImage : TestImage
         return true;
     }
     void CloseReadLine() override { mIsClosed = true; }
+    CDataRect Opened() const { return {nullptr, mSource.mWidth, mSource.mHeight, mSource.mBits}; }
     using CGraflib::ScaleWhileReading;
 
     CDataRect mSource;
@@ -57,44 +60,68 @@ struct CBufferImage : TestImage
     bool mIsClosed = false;
 };
 
+/// A grey picture scaled by the definition alone, with `shift` fraction bits.
+Bytes ScaledByDefinition(int shift, const Sizes& sizes, const Bytes& pixels)
+{
+    const auto [width, height, newWidth, newHeight] = sizes;
+    TestImage image({width, height, 8}, pixels);
+    Bytes result(SizeProduct(newWidth, newHeight));
+    ScaleWithShift<CPixel1fixT, SPixel1i<unsigned char>>(image, newWidth, newHeight, shift,
+                                                         result.data());
+    return result;
+}
+
+Bytes Scaled(const Shape& shape, const Bytes& pixels, int width, int height)
+{
+    TestImage image(shape, pixels);
+    OutputOf([&] { image.DownScaleFix2(width, height); });
+    return image.Pixels();
+}
+
+void ExpectRefused(const Shape& shape, const Bytes& pixels, int width, int height,
+                   const std::string& words = "")
+{
+    SCOPED_TRACE(PrintToString(shape) + " to " + PrintToString(std::pair(width, height)));
+    TestImage image(shape, pixels);
+    const unsigned char* const before = image.mData;
+    const unsigned char* result = before;
+    const std::string output = OutputOf([&] { result = image.DownScaleFix2(width, height); });
+    EXPECT_EQ(result, nullptr);
+    EXPECT_EQ(output, words);
+    EXPECT_EQ(image.mData, before);
+    EXPECT_EQ(image.GetShape(), shape);
+}
+
 }  // namespace
 
 // --- The definition ------------------------------------------------------------------------------
 
-TEST(GetScaledPicturePixel, WeighsAndRoundsAtAnyPrecision)
+TEST(GetScaledPicturePixel, RoundsHalvesUpAtAnyPrecision)
 {
-    // Footprints without area take the pixel in which they start: 505 columns the first of two.
-    Bytes twoColours(505, 1);
-    twoColours.resize(1001, 2);
-    const struct
-    {
-        const char* mName;
-        std::vector<int> mShifts;
-        Sizes mSizes;
-        Bytes mPixels;
-        Bytes mFirstPixels;
-    } rows[] = {
-        {"halves go up", {16, 8, 4, 2}, {2, 2, 1, 1}, {10, 11, 10, 11}, {11}},
-        {"3 columns to 2", {16, 8, 2}, {3, 1, 2, 1}, {0, 100, 200}, {33, 167}},
-        {"white loses",
-         {2},
-         {7, 7, 3, 3},
-         Bytes(49, 255),
-         {255, 242, 242, 242, 242, 242, 242, 242, 242}},
-        {"no area", {16}, {2, 1, 1001, 200}, {1, 2}, twoColours},
-    };
-    for (const auto& row : rows) {
-        const auto [width, height, newWidth, newHeight] = row.mSizes;
-        for (const int shift : row.mShifts) {
-            SCOPED_TRACE(std::string(row.mName) + ", shift " + std::to_string(shift));
-            TestImage image({width, height, 8}, row.mPixels);
-            Bytes pixels(SizeProduct(newWidth, newHeight));
-            ScaleWithShift<CPixel1fixT, SPixel1i<unsigned char>>(image, newWidth, newHeight, shift,
-                                                                 pixels.data());
-            pixels.resize(row.mFirstPixels.size());
-            EXPECT_THAT(pixels, Pointwise(Eq(), row.mFirstPixels));
-        }
-    }
+    for (const int shift : {16, 8, 4, 2})
+        EXPECT_EQ(ScaledByDefinition(shift, {2, 2, 1, 1}, {10, 11, 10, 11}), Bytes{11}) << shift;
+}
+
+TEST(GetScaledPicturePixel, WeighsPixelsByTheirCoveredPart)
+{
+    for (const int shift : {16, 8, 2})
+        EXPECT_THAT(ScaledByDefinition(shift, {3, 1, 2, 1}, {0, 100, 200}), ElementsAre(33, 167))
+            << shift;
+}
+
+TEST(GetScaledPicturePixel, DarkensWhiteAtLowPrecision)
+{
+    EXPECT_THAT(ScaledByDefinition(2, {7, 7, 3, 3}, Bytes(49, 255)),
+                ElementsAre(255, 242, 242, 242, 242, 242, 242, 242, 242));
+}
+
+TEST(GetScaledPicturePixel, TakesThePixelInWhichAFootprintWithoutAreaStarts)
+{
+    Bytes firstRow = ScaledByDefinition(16, {2, 1, 1001, 200}, {1, 2});
+    firstRow.resize(1001);
+    Bytes expected(505, 1);
+    expected.resize(1001, 2);
+    EXPECT_THAT(firstRow, Pointwise(Eq(), expected));
 }
 
 // --- The scaler ----------------------------------------------------------------------------------
@@ -110,7 +137,7 @@ TEST(DownScaleFix2, EqualsTheDefinitionInMemoryAndWhileReading)
             ScalePixelByPixel(source, newWidth, newHeight, expected.data());
 
             CBufferImage read(source);
-            OutputOf([&, &s = sizes] { read.ScaleWhileReading(source, "x", s[2], s[3]); });
+            OutputOf([&, &s = sizes] { read.ScaleWhileReading(read.Opened(), "x", s[2], s[3]); });
             EXPECT_EQ(read.mNextRow, height) << "rows that were read";
             ASSERT_THAT(read.Pixels(), Pointwise(Eq(), expected));
 
@@ -122,33 +149,25 @@ TEST(DownScaleFix2, EqualsTheDefinitionInMemoryAndWhileReading)
 
 TEST(DownScaleFix2, SmallPicturesByHand)
 {
-    const struct
-    {
-        const char* mName;
-        Shape mShape;
-        Bytes mPixels;
-        Shape mScaled;
-        Bytes mExpected;
-    } rows[] = {
-        {"same size", {2, 2, 8}, {1, 2, 3, 4}, {2, 2, 8}, {1, 2, 3, 4}},
-        {"1 pixel to 9", {1, 1, 8}, {77}, {3, 3, 8}, Bytes(9, 77)},
-        {"2 columns to 3", {2, 1, 8}, {0, 90}, {3, 1, 8}, {0, 45, 90}},
-        {"white stays", {7, 7, 8}, Bytes(49, 255), {3, 3, 8}, Bytes(9, 255)},
-        {"24 bits", {1, 2, 24}, {10, 20, 30, 50, 60, 70}, {1, 1, 24}, {30, 40, 50}},
-        {"32 bits", {1, 2, 32}, {1, 2, 3, 4, 3, 4, 5, 6}, {1, 1, 32}, {2, 3, 4, 5}},
-        {"16 bits", {2, 1, 16}, Shorts({255, 258}), {1, 1, 16}, Shorts({257})},
-        {"-0.5 goes up", {2, 1, 16}, Shorts({-1, 0}), {1, 1, 16}, Shorts({0})},
-        {"-1.5 goes up", {2, 1, 16}, Shorts({-1, -2}), {1, 1, 16}, Shorts({-1})},
-        {"millions of rows", {1, 1 << 23, 8}, Bytes(1 << 23, 255), {4, 1, 8}, Bytes(4, 255)},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.mName);
-        const auto [width, height, bits] = row.mScaled;
-        TestImage image(row.mShape, row.mPixels);
-        image.DownScaleFix2(width, height);
-        EXPECT_EQ(image.GetShape(), row.mScaled);
-        EXPECT_EQ(image.Pixels(), row.mExpected);
-    }
+    EXPECT_EQ(Scaled({2, 2, 8}, {1, 2, 3, 4}, 2, 2), Bytes({1, 2, 3, 4}));
+    EXPECT_EQ(Scaled({1, 1, 8}, {77}, 3, 3), Bytes(9, 77));
+    EXPECT_EQ(Scaled({2, 1, 8}, {0, 90}, 3, 1), Bytes({0, 45, 90}));
+    EXPECT_EQ(Scaled({7, 7, 8}, Bytes(49, 255), 3, 3), Bytes(9, 255));
+    EXPECT_EQ(Scaled({1, 1 << 23, 8}, Bytes(1 << 23, 255), 4, 1), Bytes(4, 255));
+    EXPECT_EQ(Scaled({1, 2, 24}, {10, 20, 30, 50, 60, 70}, 1, 1), Bytes({30, 40, 50}));
+    EXPECT_EQ(Scaled({1, 2, 32}, {1, 2, 3, 4, 3, 4, 5, 6}, 1, 1), Bytes({2, 3, 4, 5}));
+    EXPECT_EQ(Scaled({2, 1, 16}, Shorts({255, 258}), 1, 1), Shorts({257}));
+    EXPECT_EQ(Scaled({2, 1, 16}, Shorts({-1, 0}), 1, 1), Shorts({0}));
+    EXPECT_EQ(Scaled({2, 1, 16}, Shorts({-1, -2}), 1, 1), Shorts({-1}));
+}
+
+TEST(DownScaleFix2, ReturnsTheRecordsNewBuffer)
+{
+    TestImage image({4, 4, 24}, Bytes(48));
+    const unsigned char* result = nullptr;
+    OutputOf([&] { result = image.DownScaleFix2(2, 3); });
+    EXPECT_EQ(result, image.mData);
+    EXPECT_EQ(image.GetShape(), Shape(2, 3, 24));
 }
 
 TEST(DownScaleFix2, WritesTheBytesOfAPixelAndTheRatioOf24Bits)
@@ -163,36 +182,14 @@ TEST(DownScaleFix2, WritesTheBytesOfAPixelAndTheRatioOf24Bits)
 
 TEST(DownScaleFix2, RefusesWhatCannotBeScaled)
 {
-    const struct
-    {
-        const char* mName;
-        Shape mShape;
-        Bytes mPixels;
-        int mWidth;
-        int mHeight;
-        const char* mOutput;
-    } rows[] = {
-        {"1 bit", {4, 4, 1}, Bytes(64), 2, 2, "***** unsupported bitcount:1\n"},
-        {"target width 0", {4, 4, 24}, Bytes(64), 0, 2, ""},
-        {"target height -1", {4, 4, 24}, Bytes(64), 2, -1, ""},
-        {"no columns", {0, 4, 24}, Bytes(64), 2, 2, ""},
-        {"no rows", {4, 0, 24}, Bytes(64), 2, 2, ""},
-        {"no buffer", {4, 4, 24}, {}, 2, 2, ""},
-        {"2^29 columns", {1 << 29, 1, 8}, Bytes(64), 2, 2, ""},
-        {"2^29 rows", {1, 1 << 29, 8}, Bytes(64), 2, 2, ""},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.mName);
-        TestImage image(row.mShape, row.mPixels);
-        const unsigned char* const before = image.mData;
-        const unsigned char* result = before;
-        const std::string output =
-            OutputOf([&] { result = image.DownScaleFix2(row.mWidth, row.mHeight); });
-        EXPECT_EQ(result, nullptr);
-        EXPECT_EQ(output, row.mOutput);
-        EXPECT_EQ(image.mData, before);
-        EXPECT_EQ(image.GetShape(), row.mShape);
-    }
+    ExpectRefused({4, 4, 1}, Bytes(64), 2, 2, "***** unsupported bitcount:1\n");
+    ExpectRefused({4, 4, 24}, Bytes(64), 0, 2);
+    ExpectRefused({4, 4, 24}, Bytes(64), 2, -1);
+    ExpectRefused({0, 4, 24}, Bytes(64), 2, 2);
+    ExpectRefused({4, 0, 24}, Bytes(64), 2, 2);
+    ExpectRefused({4, 4, 24}, {}, 2, 2);
+    ExpectRefused({1 << 29, 1, 8}, Bytes(64), 2, 2);
+    ExpectRefused({1, 1 << 29, 8}, Bytes(64), 2, 2);
 }
 
 TEST(DownScalePicture, FillsNothingForATargetWithoutPixels)
@@ -214,7 +211,7 @@ TEST(ScaleWhileReading, ReadsAllRowsAndSaysSoAlsoWhenItRefuses)
         TestImage source({3, 2, 24}, Noise(18));
         CBufferImage image(source);
         const std::string output =
-            OutputOf([&] { image.ScaleWhileReading(source, "x.jpg", width, 2); });
+            OutputOf([&] { image.ScaleWhileReading(image.Opened(), "x.jpg", width, 2); });
         EXPECT_EQ(output, width == 1 ? scaled : shown);
         EXPECT_EQ(image.mWidth, width);
         EXPECT_EQ(image.mNextRow, 2) << width;
@@ -226,7 +223,8 @@ TEST(ScaleWhileReading, ReadsAllRowsAlsoWhenThereIsNoMemory)
 {
     TestImage source({3, 2, 24}, Noise(18));
     CBufferImage image(source);
-    EXPECT_THROW(image.ScaleWhileReading(source, "x.jpg", INT_MAX, INT_MAX), std::bad_alloc);
+    EXPECT_THROW(image.ScaleWhileReading(image.Opened(), "x.jpg", INT_MAX, INT_MAX),
+                 std::bad_alloc);
     EXPECT_EQ(image.mNextRow, 2);
     EXPECT_TRUE(image.mIsClosed);
 }
@@ -236,7 +234,8 @@ TEST(ScaleWhileReading, ThrowsWhenARowCannotBeRead)
     TestImage source({3, 2, 24}, Noise(18));
     CBufferImage image(source);
     image.mNextRow = 1;
-    const std::string output = OutputOf([&] { image.ScaleWhileReading(source, "x.jpg", 1, 1); });
+    const std::string output =
+        OutputOf([&] { image.ScaleWhileReading(image.Opened(), "x.jpg", 1, 1); });
     EXPECT_EQ(output, "Errors: 1 x.jpg");
     EXPECT_EQ(image.mData, nullptr);
 }

@@ -8,6 +8,13 @@ using testing::ElementsAre;
 
 struct CFileIOTest : FolderTest
 {
+    /// Opens a file with this content for reading.
+    void OpenHolding(const std::string& content)
+    {
+        WriteAll(mFile, content);
+        mIO.OpenFileRead(mPath, CFileIO::kBinary);
+    }
+
     /// What must hold of every operation while no file is open.
     void ExpectNothingHappens();
 
@@ -34,8 +41,7 @@ TEST_F(CFileIOTest, ReadLineEndsLinesAtLineFeedsAndDropsCarriageReturns)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.mContent);
-        WriteAll(mFile, row.mContent);
-        ASSERT_TRUE(mIO.OpenFileRead(mPath, CFileIO::kBinary));
+        OpenHolding(row.mContent);
         Names lines;
         std::string line;
         while (mIO.ReadLine(&line))
@@ -48,8 +54,7 @@ TEST_F(CFileIOTest, ReadLineEndsLinesAtLineFeedsAndDropsCarriageReturns)
 
 TEST_F(CFileIOTest, ReadLineFillsAnArrayOfCharacters)
 {
-    WriteAll(mFile, "ab\ncd");
-    mIO.OpenFileRead(mPath, CFileIO::kBinary);
+    OpenHolding("ab\ncd");
     std::vector<char> first;
     std::vector<char> rest;
     const bool isFirstWhole = mIO.ReadLine(&first);
@@ -58,6 +63,19 @@ TEST_F(CFileIOTest, ReadLineFillsAnArrayOfCharacters)
     EXPECT_THAT(first, ElementsAre('a', 'b'));
     EXPECT_FALSE(isRestWhole);
     EXPECT_THAT(rest, ElementsAre('c', 'd'));
+}
+
+TEST_F(CFileIOTest, LinesJoinToTheFile)
+{
+    const Bytes noise = Noise(5000);
+    std::string content(noise.begin(), noise.end());
+    OpenHolding(content);
+    std::string joined;
+    std::string line;
+    while (mIO.ReadLine(&line))
+        joined += line + '\n';
+    std::erase(content, '\r');
+    EXPECT_EQ(joined + line, content);
 }
 
 TEST_F(CFileIOTest, ReadLineTakesAFolderForAnEmptyFile)
@@ -71,19 +89,19 @@ TEST_F(CFileIOTest, ReadLineTakesAFolderForAnEmptyFile)
 
 TEST_F(CFileIOTest, NothingIsReadBehindTheEndUntilClear)
 {
-    WriteAll(mFile, "ab");
-    mIO.OpenFileRead(mPath, CFileIO::kBinary);
+    OpenHolding("ab");
     std::string line;
     mIO.ReadLine(&line);
-    const bool isSeekDone = mIO.SetReadPos(0);
+    const bool isMoved = mIO.SetReadPos(0);
     const bool isWhole = mIO.ReadLine(&line);
-    EXPECT_FALSE(isSeekDone);
+    EXPECT_FALSE(isMoved);
     EXPECT_FALSE(isWhole);
     EXPECT_EQ(line, "");
     EXPECT_EQ(mIO.GetReadPos(), -1);
     EXPECT_EQ(mIO.GetChar(), 0);
     mIO.Clear();
-    EXPECT_TRUE(mIO.SetReadPos(0));
+    const bool isMovedNow = mIO.SetReadPos(0);
+    EXPECT_TRUE(isMovedNow);
     EXPECT_EQ(mIO.GetChar(), 'a');
 }
 
@@ -201,8 +219,7 @@ TEST_F(CFileIOTest, ReadPositionsMoveFromStartPlaceAndEnd)
         int mPosition;
     } rows[] = {
         {6, 0, true, 6}, {2, 1, false, 8}, {-1, 2, false, 9}, {0, 3, false, 9}, {0, 0, true, 0}};
-    WriteAll(mFile, "0123456789");
-    mIO.OpenFileRead(mPath, CFileIO::kBinary);
+    OpenHolding("0123456789");
     for (const auto& row : rows) {
         const bool result = mIO.SetReadPos2(row.mOffset, row.mDirection);
         EXPECT_EQ(result, row.mResult) << row.mOffset << " in direction " << +row.mDirection;
@@ -212,8 +229,7 @@ TEST_F(CFileIOTest, ReadPositionsMoveFromStartPlaceAndEnd)
 
 TEST_F(CFileIOTest, SkipBytesMovesBothWays)
 {
-    WriteAll(mFile, "0123456789");
-    mIO.OpenFileRead(mPath, CFileIO::kBinary);
+    OpenHolding("0123456789");
     mIO.SkipBytes(5);
     EXPECT_EQ(mIO.GetReadPos(), 5);
     mIO.SkipBytes(-3);
@@ -236,8 +252,7 @@ TEST_F(CFileIOTest, WritePositionsMove)
 
 TEST_F(CFileIOTest, ReadBytesIsTrueForShortReadsToo)
 {
-    WriteAll(mFile, "ab");
-    mIO.OpenFileRead(mPath, CFileIO::kBinary);
+    OpenHolding("ab");
     char bytes[8] = {};
     const bool isRead = mIO.ReadBytes(bytes, 7);
     EXPECT_TRUE(isRead);
@@ -260,8 +275,7 @@ TEST_F(CFileIOTest, NegativeCountsReadAndWriteNothing)
 
 TEST_F(CFileIOTest, ReadBytesMakesANewArray)
 {
-    WriteAll(mFile, "abc");
-    mIO.OpenFileRead(mPath, CFileIO::kBinary);
+    OpenHolding("abc");
     const std::unique_ptr<char[]> none(mIO.ReadBytes(0));
     const std::unique_ptr<char[]> two(mIO.ReadBytes(2));
     EXPECT_NE(none, nullptr);
