@@ -38,9 +38,8 @@
 
 namespace {
 
-/// Fraction bits by the area ratio. The sums, of 64 bits, have room for 16 fraction bits at any
-/// ratio. But results depend on the fraction bits, and pictures must come out as they always have:
-/// that is why the table stays.
+/// Fraction bits by the area ratio. Sums of 64 bits would have room for more. But results depend on
+/// the fraction bits, and pictures must come out as they always have: that is why the table stays.
 constexpr struct
 {
     double mRatioLimit;

@@ -100,10 +100,13 @@ struct CPixelNfixT
     }
 };
 
+/// The sums of a pixel of 8 or 16 bits.
 template <int SHIFT>
 using CPixel1fixT = CPixelNfixT<SHIFT, 1>;
+/// The sums of a pixel of 24 bits.
 template <int SHIFT>
 using CPixel3fixT = CPixelNfixT<SHIFT, 3>;
+/// The sums of a pixel of 32 bits.
 template <int SHIFT>
 using CPixel4fixT = CPixelNfixT<SHIFT, 4>;
 
