@@ -154,7 +154,7 @@ TEST_F(CFileIOFolderTest, FileExistsForWhatCanBeOpened)
 
 // --- Names ---------------------------------------------------------------------------------------
 
-TEST(CFileIONames, ComeApart)
+TEST(CFileIONames, PathsComeApartIntoFolderNameAndFormat)
 {
     const struct
     {
