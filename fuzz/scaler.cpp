@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "fuzz/Fuzz.h"
-#include "tests/support/PixelByPixel.h"
 #include "graflib/CGraflib.h"
+#include "tests/support/PixelByPixel.h"
 
 namespace {
 
