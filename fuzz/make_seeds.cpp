@@ -22,11 +22,6 @@ struct SKind
 
 void Plain(jpeg_compress_struct& /*codec*/) {}
 
-void Arithmetic(jpeg_compress_struct& codec)
-{
-    codec.arith_code = TRUE;
-}
-
 void Restarts(jpeg_compress_struct& codec)
 {
     codec.restart_interval = 1;
@@ -108,6 +103,8 @@ void SavePictures(const fs::path& folder)
         Save(folder / (std::string(kind.mName) + "_behind_junk"), "junk" + file + '\4');
         Save(folder / (std::string(kind.mName) + "_cut"), file.substr(0, file.size() * 3 / 4));
     }
+    const std::string profile = ProfilePart(2, 2, "second") + ProfilePart(1, 2, "first");
+    Save(folder / "profile", WithMarkers(Encode(kKinds[0]), profile));
     // What libjpeg refuses: 12 bits to a sample, and lossless files.
     const std::string file = Encode(kKinds[0]);
     const std::size_t frame = file.find("\xff\xc0");
