@@ -17,8 +17,7 @@ constexpr int kQuality = 88;
 enum class EKind {
     Colour,
     Grey,
-    Lying  ///< its top is stored at the left, and a tag says so, as of a camera that is held
-           ///< upright
+    Lying  ///< stored with its top at the left, and with a tag that says so
 };
 
 struct SPicture
@@ -34,7 +33,7 @@ constexpr SPicture kPictures[] = {
     {"01_misty_ridges.jpg", 4000, 3000, EKind::Colour, MistyRidges},  // twelve megapixels
     {"02_sunset_panorama.jpg", 3600, 600, EKind::Colour, Sunset},
     {"05_balloons.jpg", 1200, 1500, EKind::Colour, Balloons},   // higher than wide
-    {"07_fine_lines.jpg", 960, 640, EKind::Colour, FineLines},  // no decoder may shrink them
+    {"07_fine_lines.jpg", 960, 640, EKind::Colour, FineLines},  // stripes where decoders shrink
     {"09_ripples_greyscale.jpg", 1600, 1067, EKind::Grey, Ripples},
     {"10_small_boat.jpg", 96, 64, EKind::Lying, SailingBoat},  // smaller than its thumbnail
 };
@@ -42,10 +41,10 @@ constexpr SPicture kPictures[] = {
 /// An Exif segment with the orientation alone.
 constexpr unsigned char kLyingTag[] = {
     0xff, 0xe1, 0, 34, 'E', 'x', 'i', 'f', 0, 0,  // the marker, the length, the kind
-    'M',  'M',  0, 42, 0,   0,   0,   8,          // big endian; the entries begin at byte 8 of this
-    0,    1,                                      // one entry:
-    1,    0x12, 0, 3,  0,   0,   0,   1,   0, 6,  // orientation, one 16-bit number, 6: to be turned
-    0,    0,    0, 0,  0,   0};                   // to the right; no entries elsewhere
+    'M',  'M',  0, 42, 0,   0,   0,   8,          // big endian, entries from byte 8
+    0,    1,                                      // one entry
+    1,    0x12, 0, 3,  0,   0,   0,   1,   0, 6,  // orientation, one number: turn it right
+    0,    0,    0, 0,  0,   0};                   // no more entries
 
 SPlace PlaceOf(const SPicture& picture, int column, int row)
 {
