@@ -54,3 +54,19 @@ need_packages() {
             "    apt-get update && apt-get install ${missing[*]}" \
             "On another system, install what corresponds to them and use cmake (see README.md)."
 }
+
+# apt_of ARCH FOLDER ARGUMENT...: apt-get for an architecture, with Debian's sources, whose state is
+# kept in the folder. The system doesn't come to know of it.
+apt_of() {
+    local state=$2 kind release
+    release=$(. /etc/os-release && echo "$VERSION_CODENAME")
+    mkdir -p "$state/lists/partial" "$state/cache/archives/partial"
+    local source="[signed-by=/usr/share/keyrings/debian-archive-keyring.gpg]"
+    for kind in deb deb-src; do
+        echo "$kind $source http://deb.debian.org/debian $release main"
+    done >"$state/sources.list"
+    : >"$state/status"
+    apt-get -o APT::Architecture="$1" -o APT::Architectures::="$1" -o APT::Sandbox::User= \
+        -o Dir::State="$state" -o Dir::State::status="$state/status" -o Dir::Cache="$state/cache" \
+        -o Dir::Etc::sourcelist="$state/sources.list" -o Dir::Etc::sourceparts=/dev/null "${@:3}"
+}
