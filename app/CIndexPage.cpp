@@ -1,46 +1,30 @@
 #include "app/CIndexPage.h"
 
-#include <ostream>
 #include <string_view>
 
 #include "app/GalleryLayout.h"
-#include "app/OutputFile.h"
 
-CIndexPage::CIndexPage(const std::string& path)
+std::string CIndexPage::Head(const std::string& heading) const
 {
-    if (MakeWay(path.c_str()))
-        mStream.open(path);
+    return "<html><body>\n\n<center>\n<h2>" + heading + "</h2>\n<table>\n";
 }
 
-void CIndexPage::WriteHead(const std::string& heading)
+std::string CIndexPage::Cell(const std::string& name)
 {
-    mStream << "<html><body>\n" << std::endl;
-    mStream << "<center>\n";
-    mStream << "<h2>" << heading << "</h2>\n";
-    mStream << "<table>\n";
-}
-
-void CIndexPage::AddPicture(const std::string& name)
-{
-    if (mCells == 0)
-        mStream << "<tr>\n";
-    mCell.clear();
+    std::string text = mCells == 0 ? "<tr>\n" : "";
     const std::string_view parts[] = {
         "  <td><a href=\"",         name, "\"><img src=\"", kThumbFolder, "/", name,
         "\"></a><br><font size=2>", name, "</font></td>\n"};
     for (const std::string_view part : parts)
-        mCell += part;
-    mStream << mCell;
+        text += part;
     if (++mCells == kCellsPerRow) {
-        mStream << "</tr>\n";
+        text += "</tr>\n";
         mCells = 0;
     }
+    return text;
 }
 
-void CIndexPage::WriteTail()
+std::string CIndexPage::Tail() const
 {
-    if (mCells != 0)
-        mStream << "</tr>\n";
-    mStream << "</table>\n";
-    mStream << "</body></html>\n" << std::endl;
+    return std::string(mCells == 0 ? "" : "</tr>\n") + "</table>\n</body></html>\n\n";
 }

@@ -2,26 +2,18 @@
 #define TESSEL_APP_CTESSEL_H
 
 #include <set>
-#include <string>
-#include <vector>
 
+#include "app/Database.h"
 #include "app/GalleryLayout.h"
-
-/// What the database knows of a picture. Records are ordered by name alone.
-struct SFileInfo
-{
-    std::string mName;  ///< without the folder
-    /// Last modification, seconds since 1970-01-01 00:00 UTC. Has no part in the order.
-    mutable long mTime = 0;
-
-    bool operator<(const SFileInfo& other) const { return mName < other.mName; }
-};
 
 /// The gallery builder: one per run, used by one thread. No file stays open between calls, and no
 /// failure is reported to the caller: a picture that can't be read or a file that can't be written
 /// is left out, and the rest is done. Only an error of the JPEG encoder, such as a full disk, ends
-/// the process. Nothing is written through a link: in the place of a file it is removed, and in the
-/// place of the thumbnail folder it counts only if it leads to one.
+/// the process.
+///
+/// A symbolic link in the place of a file is replaced, not followed. A link in the place of the
+/// thumbnail folder is followed under the conditions of MakeThumbFolder: thumbnails and database
+/// then lie where it leads. Where it must not be followed, the page alone is written.
 class CTessel
 {
 public:
@@ -29,7 +21,8 @@ public:
     std::set<SFileInfo> mFileInfoSet;    ///< the thumbnail database
 
     /// Builds the gallery of a folder: lists its pictures, makes the thumbnails of those that are
-    /// new or changed, rewrites page and database. A folder that can't be listed is left alone.
+    /// new or changed, rewrites page and database. A folder that can't be listed is left alone, and
+    /// so is a database that stands there and can't be read whole.
     void CreateThumbs(const char* folder);
 
     /// Makes one thumbnail with the longer side of `size` pixels (of the default size, if that is
@@ -45,14 +38,8 @@ public:
     /// name. A file that can't be read adds nothing.
     void ReadDbase(const char* path);
     /// Writes all records as a new database file, which takes the place of an old one when it is
-    /// complete. One that can't be read or written stays as it is. A name that the format can't
-    /// hold is left out.
+    /// complete. A name that the format can't hold is left out.
     void WriteDbase(const char* path);
-
-private:
-    void MakeThumb(const char* source, const char* target, int size, bool store);
-    bool TestFile(const char* folder, const char* name, const SFileInfo* record);
-    std::vector<const SFileInfo*> FindRecords(const std::vector<std::string>& names) const;
 };
 
 #endif

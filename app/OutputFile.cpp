@@ -1,33 +1,54 @@
 #include "app/OutputFile.h"
 
-#include <dirent.h>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <filesystem>
-#include <string_view>
 #include <system_error>
 
 #include "util/CFileIO.h"
 
 namespace {
 
-constexpr std::string_view kDraftPrefix = "draft-";
-constexpr int kMostDrafts = 100;  // of one process number, left behind by killed runs
+constexpr int kNewFileMode = 0666;  // less the umask
 
-/// A file whose contents are its own, and which a writer may therefore empty.
-bool IsOrdinary(const struct stat& status)
-{
-    return S_ISREG(status.st_mode) && status.st_nlink == 1;
-}
-
-bool IsRemovable(const struct stat& status)
+/// True for what is replaced rather than overwritten.
+bool IsReplaceable(const struct stat& status)
 {
     return S_ISREG(status.st_mode) || S_ISLNK(status.st_mode) || S_ISFIFO(status.st_mode) ||
            S_ISSOCK(status.st_mode);
+}
+
+/// Opens an ordinary file and empties it; -1 where that can't be. What was ordinary a moment ago
+/// may have been exchanged since: it is tested once more, now that it is open.
+int OpenOrdinary(const char* path)
+{
+    constexpr int kFlags = O_WRONLY | O_NOFOLLOW | O_CLOEXEC;
+    // Without waiting, should it be a FIFO by now. A file that a server holds a lease on can't be
+    // opened so: the server is asked to give it up.
+    int file = open(path, kFlags | O_NONBLOCK);
+    if (file < 0 && errno == EWOULDBLOCK && IsReadable(path))
+        file = open(path, kFlags);
+    if (file < 0)
+        return -1;
+    struct stat status = {};
+    if (fstat(file, &status) == 0 && IsOrdinary(status) && ftruncate(file, 0) == 0)
+        return file;
+    close(file);
+    return -1;
+}
+
+int OpenForWriting(const char* path)
+{
+    struct stat status = {};
+    if (lstat(path, &status) == 0) {
+        if (IsOrdinary(status))
+            return OpenOrdinary(path);
+        if (!IsReplaceable(status) || unlink(path) != 0)
+            return -1;
+    }
+    return open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kNewFileMode);
 }
 
 bool IsEmptyFolder(const std::string& path)
@@ -37,14 +58,47 @@ bool IsEmptyFolder(const std::string& path)
     return !error && entries == std::filesystem::directory_iterator();
 }
 
+/// Whether a link is the user's own, or was made by the owner of the folder that it leads to. A
+/// stranger's link could lead onto a gallery of somebody else's.
+bool IsTrustedLink(const struct stat& link, const std::string& path)
+{
+    struct stat target = {};
+    return stat(path.c_str(), &target) == 0 &&
+           (link.st_uid == geteuid() || link.st_uid == target.st_uid);
+}
+
 }  // namespace
 
-bool MakeWay(const char* path)
+bool IsOrdinary(const struct stat& status)
+{
+    return S_ISREG(status.st_mode) && status.st_nlink == 1;
+}
+
+bool MayReplace(const std::string& path)
 {
     struct stat status = {};
-    if (lstat(path, &status) != 0)
+    if (lstat(path.c_str(), &status) != 0)
         return errno == ENOENT;
-    return IsOrdinary(status) || (IsRemovable(status) && unlink(path) == 0);
+    if (IsOrdinary(status))
+        return faccessat(AT_FDCWD, path.c_str(), R_OK | W_OK, AT_EACCESS) == 0;
+    return IsReplaceable(status);
+}
+
+std::FILE* OpenOutput(const char* path)
+{
+    const int file = OpenForWriting(path);
+    if (file < 0)
+        return nullptr;
+    std::FILE* stream = fdopen(file, "wb");
+    if (!stream)
+        close(file);
+    return stream;
+}
+
+bool CloseOutput(std::FILE* stream)
+{
+    const bool written = std::ferror(stream) == 0;
+    return std::fclose(stream) == 0 && written;
 }
 
 bool MakeThumbFolder(const std::string& folder, const std::string& dbase)
@@ -53,8 +107,13 @@ bool MakeThumbFolder(const std::string& folder, const std::string& dbase)
     struct stat status = {};
     if (lstat(folder.c_str(), &status) != 0 || !S_ISLNK(status.st_mode))
         return true;
-    if (IsEmptyFolder(folder))
-        std::ofstream{dbase};  // so that it is known again after a run that is killed
+    if (!IsTrustedLink(status, folder))
+        return false;
+    if (IsEmptyFolder(folder)) {
+        // The folder gets its database at once, so that it is known again after a killed run.
+        if (std::FILE* stream = OpenOutput(dbase.c_str()))
+            CloseOutput(stream);
+    }
     return stat(dbase.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
@@ -62,81 +121,4 @@ bool IsReadable(const char* path)
 {
     struct stat status = {};
     return stat(path, &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
-}
-
-CDraft::CDraft(const std::string& path) : mPath(path), mFolder(path + ".new")
-{
-    struct stat status = {};
-    if (lstat(mFolder.c_str(), &status) == 0 && !S_ISDIR(status.st_mode))
-        unlink(mFolder.c_str());
-    mkdir(mFolder.c_str(), 0777);
-    if (Create())
-        mStream.open(mName);
-}
-
-/// Creates the draft's file; false where that can't be.
-bool CDraft::Create()
-{
-    for (int i = 0; i < kMostDrafts; ++i) {
-        mName = mFolder + "/" + std::string(kDraftPrefix) + std::to_string(getpid()) + "-" +
-                std::to_string(i);
-        const int file = open(mName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (file >= 0) {
-            const bool same = TakeOn(file);
-            close(file);
-            return same;
-        }
-        if (errno != EEXIST)
-            break;
-    }
-    mName.clear();
-    return false;
-}
-
-/// Gives the draft the owner and the mode of an ordinary file in its place.
-bool CDraft::TakeOn(int file) const
-{
-    struct stat old = {};
-    if (lstat(mPath.c_str(), &old) != 0 || !IsOrdinary(old))
-        return true;
-    return fchown(file, old.st_uid, old.st_gid) == 0 && fchmod(file, old.st_mode & 07777) == 0;
-}
-
-CDraft::~CDraft()
-{
-    if (!mName.empty())
-        unlink(mName.c_str());
-    rmdir(mFolder.c_str());
-}
-
-bool CDraft::MayReplace(const char* path)
-{
-    struct stat status = {};
-    if (lstat(path, &status) != 0)
-        return errno == ENOENT;
-    if (IsOrdinary(status))
-        return faccessat(AT_FDCWD, path, R_OK | W_OK, AT_EACCESS) == 0;
-    return IsRemovable(status);
-}
-
-bool CDraft::PutInPlace()
-{
-    if (std::rename(mName.c_str(), mPath.c_str()) != 0)
-        return false;
-    mName.clear();
-    RemoveDrafts();
-    return true;
-}
-
-/// Also those of runs that still write: they notice and begin again.
-void CDraft::RemoveDrafts() const
-{
-    DIR* const folder = opendir(mFolder.c_str());
-    if (!folder)
-        return;
-    while (const dirent* entry = readdir(folder)) {
-        if (std::string_view(entry->d_name).substr(0, kDraftPrefix.size()) == kDraftPrefix)
-            unlink((mFolder + "/" + entry->d_name).c_str());
-    }
-    closedir(folder);
 }

@@ -9,10 +9,9 @@ if(TESSEL_TOOL)
   # Shared libraries are found beside the tool wherever both are moved to.
   file(RELATIVE_PATH from_bin_to_lib /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
   if(BUILD_SHARED_LIBS)
-    set_target_properties(tessel PROPERTIES INSTALL_RPATH "${TESSEL_ORIGIN}/${from_bin_to_lib}")
+    set_target_properties(tessel tessel-tree PROPERTIES INSTALL_RPATH "${TESSEL_ORIGIN}/${from_bin_to_lib}")
   endif()
-  install(TARGETS tessel RUNTIME COMPONENT runtime)
-  install(PROGRAMS ${PROJECT_SOURCE_DIR}/app/tessel-tree TYPE BIN COMPONENT runtime)
+  install(TARGETS tessel tessel-tree RUNTIME COMPONENT runtime)
   foreach(name tessel tessel-tree)
     install(FILES ${PROJECT_SOURCE_DIR}/docs/${name}.1
       DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT runtime)
@@ -30,8 +29,8 @@ install(TARGETS tessel_util tessel_graflib tessel_jpeg EXPORT tesselTargets
 # But the headers that only the libraries' own sources include.
 install(DIRECTORY util graflib jpeg DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tessel
   COMPONENT development
-  FILES_MATCHING PATTERN "*.h" PATTERN PixelWalk.h EXCLUDE PATTERN ScaledRow.h EXCLUDE
-    PATTERN ReadRows.h EXCLUDE PATTERN SJpegState.h EXCLUDE PATTERN SinglePrecision.h EXCLUDE)
+  FILES_MATCHING PATTERN "*.h" PATTERN "DownScaleFix2*.h" EXCLUDE PATTERN PixelWalk.h EXCLUDE
+    PATTERN SJpegState.h EXCLUDE PATTERN SinglePrecision.h EXCLUDE)
 install(EXPORT tesselTargets NAMESPACE tessel:: DESTINATION ${TESSEL_CMAKE_DIR}
   COMPONENT development)
 

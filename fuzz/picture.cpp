@@ -28,7 +28,7 @@ void RequireSameByLines(const char* path, const CGraflibJpeg& whole)
     CGraflibJpeg lines;
     const CPixelOwner owner(&lines);
     lines.OpenReadLine(path);
-    if (lines.DownScaleLines("", kThumbSize, kThumbSize / 2))
+    if (lines.ScaleWhileReading("", kThumbSize, kThumbSize / 2))
         Require(
             lines.mBits == whole.mBits && std::memcmp(lines.mData, whole.mData, lines.Bytes()) == 0,
             "rows make the same thumbnail as the picture");

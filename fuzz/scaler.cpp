@@ -27,7 +27,7 @@ struct Image : CGraflib
     bool OpenWriteLine(const char*) override { return false; }
     int WriteLine(void*) override { return 0; }
     void CloseWriteLine() override {}
-    using CGraflib::DownScaleLines;
+    using CGraflib::ScaleWhileReading;
 
     const unsigned char* mLines = nullptr;
     std::size_t mLineBytes = 0;
@@ -57,7 +57,7 @@ void Check(const std::uint8_t* data, std::size_t size)
     const CPixelOwner linesOwner(&lines);
     lines.mLines = source.mData;
     lines.mLineBytes = source.RowBytes();
-    Require(lines.DownScaleLines(source, "", newWidth, newHeight), "lines can be scaled");
+    Require(lines.ScaleWhileReading(source, "", newWidth, newHeight), "lines can be scaled");
     Require(lines.mLines == source.mData + source.Bytes(), "every line is read once");
 
     std::vector<unsigned char> expected(lines.Bytes());

@@ -103,10 +103,21 @@ public:
     /// nothing.
     void DownScaleLine2(void* source, void* dest, int width, int offset, int component);
 
-    // --- Orientation and colours ----------------------------------------------------------------
+    // --- Orientation, at any depth of whole bytes -----------------------------------------------
+    //
+    // A half turn is Xflip and Yflip; a quarter turn clockwise is Transpose, then Xflip; one
+    // counterclockwise is Transpose, then Yflip.
 
-    /// Turns the picture upside down, in place, at any depth of whole bytes.
+    /// Mirrors the picture top to bottom, in place: the last row becomes the first.
     void Yflip();
+    /// Mirrors the picture left to right, in place: the last column becomes the first.
+    void Xflip();
+    /// Makes the picture's columns its rows, in a new buffer; width and height change places. The
+    /// top left pixel stays where it is.
+    void Transpose();
+
+    // --- Colours --------------------------------------------------------------------------------
+
     /// Exchanges the first and third byte of every pixel, in place. Takes 24 and 32 bits; another
     /// depth changes nothing and writes a line beginning "***** ".
     void SwapRedBlue();
@@ -151,7 +162,8 @@ protected:
     /// are read; but in the memory of a few rows. `opened` has the picture's size and depth. Closes
     /// the file. Throws GLIB_ERR_READ with `name` when a row can't be read, leaving the record as
     /// it was.
-    unsigned char* DownScaleLines(const CDataRect& opened, const char* name, int width, int height);
+    unsigned char* ScaleWhileReading(const CDataRect& opened, const char* name, int width,
+                                     int height);
 
 private:
     template <typename Tsample>

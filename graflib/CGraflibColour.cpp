@@ -1,5 +1,4 @@
-// Orientation, channel order and palettes.
-#include <algorithm>
+// Channel order and palettes.
 #include <cstddef>
 #include <iostream>
 
@@ -11,15 +10,6 @@ namespace {
 constexpr std::size_t kPaletteSize = 256;
 
 }  // namespace
-
-void CGraflib::Yflip()
-{
-    const std::size_t rowBytes = RowBytes();
-    for (int upper = 0, lower = mHeight - 1; upper < lower; ++upper, --lower) {
-        unsigned char* row = mData + static_cast<std::size_t>(upper) * rowBytes;
-        std::swap_ranges(row, row + rowBytes, mData + static_cast<std::size_t>(lower) * rowBytes);
-    }
-}
 
 void CGraflib::SwapRedBlue()
 {

@@ -1,5 +1,5 @@
 // The fixed-point area scaler: what a pixel is (GetScaledPicturePixel), and the walk over rows that
-// gets the same by a shorter way (WalkRows and ScaledRow.h).
+// gets the same by a shorter way (WalkRows and DownScaleFix2Row.h).
 //
 // A destination pixel's footprint, with the weights of its source columns and rows:
 //
@@ -29,10 +29,10 @@
 #include <vector>
 
 #include "graflib/CGraflib.h"
+#include "graflib/DownScaleFix2Reader.h"
+#include "graflib/DownScaleFix2Row.h"
 #include "graflib/FixedPointTypes.h"
 #include "graflib/PixelTypes.h"
-#include "graflib/ReadRows.h"
-#include "graflib/ScaledRow.h"
 #include "graflib/SinglePrecision.h"
 #include "util/SizeProduct.h"
 
@@ -131,12 +131,12 @@ void WalkRows(const SScaleParams<SHIFT, Tpixel>& params, const RowSource& source
         }
         const auto* const top = pixels->mSamples;
         const auto* const bottom = top + static_cast<std::size_t>(below) * length;
-        const SRowSums<typename Tpixel::Sample, Tcolumn, Tsum> row{
+        const fix2::SRowSums<typename Tpixel::Sample, Tcolumn, Tsum> row{
             top, bottom, rows.mFirstWeight, rows.mLastWeight, full.data(), weighted.data()};
-        SumRows(full, top + length, std::max(below - 1, 0));
+        fix2::SumRows(full, top + length, std::max(below - 1, 0));
         if (params.mStepX.mValue > CFixT<SHIFT>::kOne)  // else no pixel has full columns
-            WeighRows<SHIFT>(row, weighted.data(), length);
-        MakePixels<SHIFT, Tfix>(row, params.mStepX, area, dest, width);
+            fix2::WeighRows<SHIFT>(row, weighted.data(), length);
+        fix2::MakePixels<SHIFT, Tfix>(row, params.mStepX, area, dest, width);
     }
 }
 
@@ -219,10 +219,10 @@ unsigned char* CGraflib::DownScaleFix2(int width, int height)
     return pixels ? ReplaceBuffer(std::move(pixels), width, height, mBits) : nullptr;
 }
 
-unsigned char* CGraflib::DownScaleLines(const CDataRect& opened, const char* name, int width,
-                                        int height)
+unsigned char* CGraflib::ScaleWhileReading(const CDataRect& opened, const char* name, int width,
+                                           int height)
 {
-    CReadRows rows(this, opened, name);
+    fix2::CRowReader rows(this, opened, name);
     std::unique_ptr<unsigned char[]> pixels;
     try {
         const auto read = [&](int first, int last) { return rows.Rows(first, last); };

@@ -2,6 +2,7 @@
 
 #include <climits>
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "graflib/PixelTypes.h"
@@ -12,7 +13,7 @@ namespace {
 constexpr int kBitsPerComponent = 8;
 
 /// The depths that can be encoded.
-bool IsDepth(int bits)
+bool IsEncodable(int bits)
 {
     return bits == 8 || bits == 24 || bits == 32;
 }
@@ -20,6 +21,11 @@ bool IsDepth(int bits)
 bool IsSide(int side, int longest)
 {
     return side >= 1 && side <= longest;
+}
+
+bool IsProfile(const std::vector<unsigned char>& profile)
+{
+    return profile.size() <= CGraphicsJpeg::kMaxProfileBytes;
 }
 
 CRgb Flatten(const CRgba& pixel)
@@ -50,13 +56,17 @@ CGraflibJpeg::~CGraflibJpeg()
 bool CGraflibJpeg::Read(const char* fileName, SFileReadInfo* info)
 {
     static_cast<CDataRect&>(*this) = CDataRect{};
+    mWarnings = 0;
     CGraphicsJpeg jpeg;
+    SetUpRead(jpeg);
     if (info)
         jpeg.mReadOffset = info->mOffset;
     int width = 0;
     int height = 0;
     int components = 0;
     mData = jpeg.ReadJpeg(fileName, &width, &height, &components);
+    mWarnings = jpeg.mWarnings;
+    TakeProfile(jpeg);
     if (!mData)
         throw CGraflibException(GLIB_ERR_READ, fileName);
     mWidth = width;
@@ -65,33 +75,64 @@ bool CGraflibJpeg::Read(const char* fileName, SFileReadInfo* info)
     return true;
 }
 
+void CGraflibJpeg::SetUpRead(CGraphicsJpeg& jpeg) const
+{
+    jpeg.mLeastSide = mLeastSide;
+    jpeg.mKeepProfile = mKeepProfile;
+}
+
+void CGraflibJpeg::TakeProfile(CGraphicsJpeg& jpeg)
+{
+    if (mKeepProfile)
+        mProfile = std::exchange(jpeg.mProfile, {});
+}
+
 bool CGraflibJpeg::Write(const char* fileName, bool /*unused*/, CFileIO* /*unused*/)
+{
+    return WriteTo(nullptr, fileName);
+}
+
+bool CGraflibJpeg::Write(std::FILE* stream)
+{
+    return WriteTo(stream, "");
+}
+
+/// Writes to the stream or, without one, to the file.
+bool CGraflibJpeg::WriteTo(std::FILE* stream, const char* fileName)
 {
     if (!CanWrite())
         throw CGraflibException(GLIB_ERR_WRITE, fileName);
     std::vector<CRgb> rgb(mBits == 24 ? 0 : static_cast<std::size_t>(mWidth));
     CGraphicsJpeg jpeg;
-    if (!jpeg.OpenJpegWrite(fileName, mWidth, mHeight, mQuality))
+    jpeg.mProfile = mProfile;
+    if (stream)
+        jpeg.OpenJpegWrite(stream, mWidth, mHeight, mQuality);
+    else if (!jpeg.OpenJpegWrite(fileName, mWidth, mHeight, mQuality))
         throw CGraflibException(GLIB_ERR_WRITE, fileName);
     const unsigned char* row = mData;
     for (int y = 0; y < mHeight; ++y, row += RowBytes()) {
         ToRgb(row, mBits, rgb);
         jpeg.WriteJpegLine(rgb.empty() ? static_cast<const void*>(row) : rgb.data());
     }
-    jpeg.CloseJpegWrite();
+    if (!jpeg.CloseJpegWrite())
+        throw CGraflibException(GLIB_ERR_WRITE, fileName);
     return true;
 }
 
 bool CGraflibJpeg::CanWrite() const
 {
-    return mData && IsDepth(mBits) && IsSide(mWidth, SHRT_MAX) && IsSide(mHeight, SHRT_MAX);
+    return mData && IsEncodable(mBits) && IsSide(mWidth, SHRT_MAX) && IsSide(mHeight, SHRT_MAX) &&
+           IsProfile(mProfile);
 }
 
 bool CGraflibJpeg::OpenReadLine(const char* fileName)
 {
     ReleaseLineJpeg();
+    SetUpRead(LineJpeg());
     int components = 0;
     const bool ok = LineJpeg().OpenJpegRead(fileName, &mWidth, &mHeight, &components);
+    mWarnings = LineJpeg().mWarnings;
+    TakeProfile(LineJpeg());
     mBits = components * kBitsPerComponent;
     if (!ok) {
         mWidth = mHeight = mBits = 0;
@@ -103,24 +144,31 @@ bool CGraflibJpeg::OpenReadLine(const char* fileName)
 
 bool CGraflibJpeg::ReadLine(void* line)
 {
-    return LineJpeg().ReadJpegLine(line);
+    const bool ok = LineJpeg().ReadJpegLine(line);
+    mWarnings = LineJpeg().mWarnings;
+    return ok;
 }
 
 void CGraflibJpeg::CloseReadLine()
 {
-    if (mLineJpeg)
-        mLineJpeg->CloseJpegLines();
+    if (!mLineJpeg)
+        return;
+    mLineJpeg->CloseJpegLines();
+    mWarnings = mLineJpeg->mWarnings;
 }
 
-unsigned char* CGraflibJpeg::DownScaleLines(const char* name, int width, int height)
+unsigned char* CGraflibJpeg::ScaleWhileReading(const char* name, int width, int height)
 {
-    return CGraflib::DownScaleLines(mOpened, name, width, height);
+    return CGraflib::ScaleWhileReading(mOpened, name, width, height);
 }
 
 bool CGraflibJpeg::OpenWriteLine(const char* fileName)
 {
     if (!IsSide(mWidth, CGraphicsJpeg::kMaxSide) || !IsSide(mHeight, CGraphicsJpeg::kMaxSide) ||
-        !LineJpeg().OpenJpegWrite(fileName, mWidth, mHeight, mQuality))
+        !IsProfile(mProfile))
+        throw CGraflibException(GLIB_ERR_WRITE, fileName);
+    LineJpeg().mProfile = mProfile;
+    if (!LineJpeg().OpenJpegWrite(fileName, mWidth, mHeight, mQuality))
         throw CGraflibException(GLIB_ERR_WRITE, fileName);
     return true;
 }
@@ -132,7 +180,8 @@ int CGraflibJpeg::WriteLine(void* line)
 
 void CGraflibJpeg::CloseWriteLine()
 {
-    LineJpeg().CloseJpegWrite();
+    if (!LineJpeg().CloseJpegWrite())
+        throw CGraflibException(GLIB_ERR_WRITE, LineJpeg().mOutputName);
 }
 
 void CGraflibJpeg::SetAppendMode(bool append)

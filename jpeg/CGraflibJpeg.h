@@ -1,6 +1,9 @@
 #ifndef TESSEL_JPEG_CGRAFLIBJPEG_H
 #define TESSEL_JPEG_CGRAFLIBJPEG_H
 
+#include <cstdio>
+#include <vector>
+
 #include "graflib/CGraflib.h"
 
 class CGraphicsJpeg;
@@ -33,17 +36,35 @@ public:
     int mQuality = 80;                   ///< of the files written, 0 to 100
     CGraphicsJpeg* mLineJpeg = nullptr;  ///< owned: the line-wise operations', null until needed
 
+    /// How many warnings libjpeg has given, on standard error or left out there, about the picture
+    /// last read: 0 for a whole picture, at least 1 for one that was cut short. Of one that is read
+    /// line by line it is known in the end.
+    long mWarnings = 0;
+    /// Read and OpenReadLine let libjpeg reduce the picture to the smallest of a half, a quarter
+    /// and an eighth that leaves its longer side at least this many pixels, or not at all; 0 for
+    /// never. That is much faster; the record then has the reduced size.
+    int mLeastSide = 0;
+    bool mKeepProfile = false;  ///< Read and OpenReadLine leave the picture's profile in mProfile
+    /// A colour profile (ICC), which says what red, green and blue mean. What is written gets it,
+    /// unless it is empty. With mKeepProfile it is that of the picture last opened: empty if that
+    /// has none, a damaged one, one above 4 MiB, or not three components, because a profile of grey
+    /// or four channels doesn't fit what is written.
+    std::vector<unsigned char> mProfile;
+
     /// Reads a file into a new buffer. True; throws CGraflibException (GLIB_ERR_READ) when that
     /// fails, and std::bad_alloc when there is no room, the record then being empty. `info` may be
     /// null: the JPEG begins at the start of the file.
     bool Read(const char* fileName, SFileReadInfo* info) override;
     /// Writes the record as a new file, replacing an old one whatever the append mode. True;
-    /// throws GLIB_ERR_WRITE when the file can't be opened, and, without touching it, for a record
-    /// without a buffer, a depth other than 8, 24 and 32, and sides outside 1 to 32767. The last
-    /// two arguments aren't used.
+    /// throws GLIB_ERR_WRITE when the file can't be opened, when it can't be closed, which removes
+    /// it, and, without touching it, for what CanWrite refuses. The last two arguments aren't used.
     bool Write(const char* fileName, bool, CFileIO*) override;
+    /// Writes the same bytes at the stream's position and leaves the stream open behind them. True;
+    /// throws GLIB_ERR_WRITE before anything is written for what CanWrite refuses.
+    bool Write(std::FILE* stream);
 
-    /// True when Write takes the record: what it refuses, it refuses before it touches a file.
+    /// True when Write takes the record: it has a buffer, a depth of 8, 24 or 32, sides of 1 to
+    /// 32767, and a profile of at most 4 MiB.
     bool CanWrite() const;
 
     /// Opens a file for ReadLine and sets size and depth, leaving the buffer alone. True; throws
@@ -62,17 +83,18 @@ public:
     /// that the record holds. Writes what Read, Show(name) and DownScaleFix2 write, and closes the
     /// file. Returns the new buffer, or null where DownScaleFix2 does. Throws GLIB_ERR_READ with
     /// `name` when a row can't be read, leaving the record as it was.
-    unsigned char* DownScaleLines(const char* name, int width, int height);
+    unsigned char* ScaleWhileReading(const char* name, int width, int height);
 
     /// Opens a file for mHeight calls of WriteLine, of rows of mWidth pixels. True; throws
     /// GLIB_ERR_WRITE when the file can't be opened, and, without touching it, for sides outside 1
-    /// to 65500.
+    /// to 65500 and a profile above 4 MiB.
     bool OpenWriteLine(const char* fileName) override;
     /// Writes the next row: red, green, blue for each pixel, whatever mBits says. Returns the
     /// number of rows accepted, which is 1; 0 when no write is open.
     int WriteLine(void* line) override;
     /// Ends the write. Before the last of mHeight rows, libjpeg ends the process ("Application
-    /// transferred too few scanlines", exit status 1): write them all, whatever they hold.
+    /// transferred too few scanlines", exit status 1): write them all, whatever they hold. Throws
+    /// GLIB_ERR_WRITE when the file can't be closed, which removes it unless it was appended to.
     void CloseWriteLine() override;
     /// Whether OpenWriteLine appends to files or replaces them. Holds until OpenReadLine is called.
     void SetAppendMode(bool append) override;
@@ -83,6 +105,9 @@ public:
     bool GetSize(const char* fileName, int offset, int);
 
 private:
+    void SetUpRead(CGraphicsJpeg& jpeg) const;
+    void TakeProfile(CGraphicsJpeg& jpeg);
+    bool WriteTo(std::FILE* stream, const char* fileName);
     CGraphicsJpeg& LineJpeg();
     void ReleaseLineJpeg();
 

@@ -1,12 +1,11 @@
 // Reading, and what becomes of errors meanwhile.
 #include "jpeg/CGraphicsJpeg.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <climits>
 #include <csetjmp>
 #include <memory>
+#include <new>
 
 #include "jpeg/SJpegState.h"
 #include "util/SizeProduct.h"
@@ -14,6 +13,8 @@
 #include <jerror.h>
 
 namespace {
+
+constexpr int kProfiledComponents = 3;
 
 [[noreturn]] void JumpOut(j_common_ptr codec)
 {
@@ -33,69 +34,46 @@ bool Guarded(SJpegState& state, Step step)
 }
 
 /// Releases all that an open read holds; the state is idle then.
-void EndRead(SJpegState& state)
+void ReleaseRead(SJpegState& state)
 {
     jpeg_destroy_decompress(&state.mDecompressor);
     std::fclose(state.mInput);
     state.mInput = nullptr;
 }
 
-// Our own message beside libjpeg's, whose codes end well below.
-constexpr int kTooManyScans = 1000;
-constexpr const char* kOwnMessages[] = {"More than %d scans"};
-
-std::uint64_t PixelsOf(const jpeg_decompress_struct& decompressor)
-{
-    return std::uint64_t{decompressor.image_width} * decompressor.image_height;
-}
-
-/// libjpeg calls this again and again while it reads the scans of a progressive file.
-void LimitScans(j_common_ptr codec)
-{
-    const auto& decompressor = *reinterpret_cast<j_decompress_ptr>(codec);
-    const auto most = static_cast<int>(std::clamp<std::uint64_t>(
-        CGraphicsJpeg::kMaxScannedPixels / PixelsOf(decompressor), 1, CGraphicsJpeg::kMaxScans));
-    if (decompressor.input_scan_number > most)
-        ERREXIT1(codec, kTooManyScans, most);
-}
-
-/// Whether a file from its byte `offset` on can hold the pixels that its header claims. Files that
-/// have no length, such as pipes, are believed.
-bool CanHold(std::FILE* file, int offset, std::uint64_t pixels)
-{
-    struct stat status = {};
-    if (pixels <= CGraphicsJpeg::kMaxBelievedPixels || fstat(fileno(file), &status) != 0 ||
-        !S_ISREG(status.st_mode))
-        return true;
-    const auto bytes = static_cast<std::uint64_t>(std::max<off_t>(status.st_size - offset, 0));
-    return pixels <= CGraphicsJpeg::kMaxPixelsPerByte * bytes;
-}
-
-void InitErrors(SJpegState& state)
-{
-    jpeg_error_mgr& errors = state.mReadErrors.mManager;
-    state.mDecompressor.err = jpeg_std_error(&errors);
-    errors.error_exit = JumpOut;
-    errors.addon_message_table = kOwnMessages;
-    errors.first_addon_message = kTooManyScans;
-    errors.last_addon_message = kTooManyScans;
-}
-
 /// Sets up the decompressor on state.mInput and reads the header. When that fails the read is
 /// ended.
-bool ReadHeader(SJpegState& state)
+bool ReadHeader(SJpegState& state, bool keepProfile)
 {
-    InitErrors(state);
-    const bool ok = Guarded(state, [&state] {
+    state.mDecompressor.err = jpeg_std_error(&state.mReadErrors.mManager);
+    state.mReadErrors.mManager.error_exit = JumpOut;
+    const bool ok = Guarded(state, [&state, keepProfile] {
         jpeg_create_decompress(&state.mDecompressor);
-        state.mProgress.progress_monitor = LimitScans;
-        state.mDecompressor.progress = &state.mProgress;
+        SetLimits(state);
         SetInput(state);
+        if (keepProfile)
+            BeginProfile(state);
         jpeg_read_header(&state.mDecompressor, TRUE);
+        if (keepProfile)
+            EndProfile(state);
     });
     if (!ok)
-        EndRead(state);
+        ReleaseRead(state);
     return ok;
+}
+
+/// Lets libjpeg decode to the smallest of 1/2, 1/4 and 1/8 that leaves the longer side at least
+/// `leastSide` pixels; whole, if there is none, or for 0.
+void ChooseScale(jpeg_decompress_struct& decompressor, int leastSide)
+{
+    const JDIMENSION longer = std::max(decompressor.image_width, decompressor.image_height);
+    JDIMENSION part = 1;
+    // libjpeg rounds up.
+    while (leastSide > 0 && part < 8 &&
+           (longer + 2 * part - 1) / (2 * part) >= static_cast<JDIMENSION>(leastSide))
+        part *= 2;
+    decompressor.scale_num = 1;
+    decompressor.scale_denom = part;
 }
 
 }  // namespace
@@ -117,42 +95,79 @@ std::FILE* CGraphicsJpeg::OpenJpegFile(const char* fileName) const
     return stream;
 }
 
+/// Ends the open read, with or without its last rows.
+void CGraphicsJpeg::EndRead()
+{
+    CountWarnings();
+    ReleaseRead(*mState);
+}
+
+void CGraphicsJpeg::CountWarnings()
+{
+    mWarnings = mState->mReadErrors.mManager.num_warnings;
+}
+
 bool CGraphicsJpeg::InitJpegRead(int* width, int* height, int* components)
 {
     SJpegState& state = *mState;
-    if (!ReadHeader(state))
+    const bool hasHeader = ReadHeader(state, mKeepProfile);
+    CountWarnings();
+    if (!hasHeader)
         return false;
     jpeg_decompress_struct& decompressor = state.mDecompressor;
     const bool ok = Guarded(state, [this, &state, &decompressor] {
-        if (!CanHold(state.mInput, mReadOffset, PixelsOf(decompressor)))
+        if (!CanHold(state, mReadOffset))
             ERREXIT(&decompressor, JERR_INPUT_EOF);
+        ChooseScale(decompressor, mLeastSide);
         jpeg_start_decompress(&decompressor);
         const JDIMENSION rowBytes =
             decompressor.output_width * static_cast<JDIMENSION>(decompressor.output_components);
         state.mDecodedRowBytes = static_cast<int>(rowBytes);
     });
     if (!ok) {
-        EndRead(state);
+        EndRead();
         return false;
     }
-    *width = static_cast<int>(decompressor.image_width);
-    *height = static_cast<int>(decompressor.image_height);
+    CountWarnings();
+    *width = static_cast<int>(decompressor.output_width);
+    *height = static_cast<int>(decompressor.output_height);
     *components = decompressor.output_components;
     mComponents = decompressor.output_components;
     return true;
+}
+
+/// Keeps the profile of the picture that was opened. One that describes grey or four channels is of
+/// no use, since what is written is red, green, blue.
+void CGraphicsJpeg::TakeProfile()
+{
+    if (mState->mDecompressor.num_components != kProfiledComponents)
+        return;
+    try {
+        mProfile = JoinProfile(mState->mProfile);
+    } catch (const std::bad_alloc&) {
+        EndRead();
+        throw;
+    }
 }
 
 bool CGraphicsJpeg::OpenJpegRead(const char* fileName, int* width, int* height, int* components)
 {
     Abandon();
     *mState = SJpegState{};
+    mWarnings = 0;
+    if (mKeepProfile)
+        mProfile.clear();
     mState->mInput = OpenJpegFile(fileName);
     if (!mState->mInput) {
         *width = 0;
         *height = 0;
         return false;
     }
-    return InitJpegRead(width, height, components);
+    if (!InitJpegRead(width, height, components))
+        return false;
+    if (mKeepProfile)
+        TakeProfile();
+    return true;
 }
 
 bool CGraphicsJpeg::LinesRemain() const
@@ -167,8 +182,9 @@ bool CGraphicsJpeg::DecodeLine(unsigned char* row)
     SJpegState& state = *mState;
     const bool ok = Guarded(
         state, [&state, &row] { jpeg_read_scanlines(&state.mDecompressor, &row, kOneRow); });
+    CountWarnings();
     if (!ok)
-        EndRead(state);
+        EndRead();
     return ok;
 }
 
@@ -201,7 +217,7 @@ void CGraphicsJpeg::CloseJpeg()
         return;
     if (!LinesRemain())
         Guarded(state, [&state] { jpeg_finish_decompress(&state.mDecompressor); });
-    EndRead(state);
+    EndRead();
 }
 
 void CGraphicsJpeg::Abandon()
@@ -255,12 +271,12 @@ bool CGraphicsJpeg::GetJpegSize(const char* fileName, short* width, short* heigh
     *height = 0;
     SJpegState state{};
     state.mInput = OpenJpegFile(fileName);
-    if (!state.mInput || !ReadHeader(state))
+    if (!state.mInput || !ReadHeader(state, false))
         return false;
     const JDIMENSION fullWidth = state.mDecompressor.image_width;
     const JDIMENSION fullHeight = state.mDecompressor.image_height;
     const int count = state.mDecompressor.num_components;
-    EndRead(state);
+    ReleaseRead(state);
     if (fullWidth > SHRT_MAX || fullHeight > SHRT_MAX)
         return false;
     *width = static_cast<short>(fullWidth);

@@ -1,8 +1,11 @@
 #ifndef TESSEL_JPEG_CGRAPHICSJPEG_H
 #define TESSEL_JPEG_CGRAPHICSJPEG_H
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <string>
+#include <vector>
 
 struct SJpegState;
 
@@ -37,6 +40,10 @@ public:
     static constexpr std::uint64_t kMaxScannedPixels = 2'500'000'000;
     static constexpr std::uint64_t kMaxScans = 500;  ///< whatever the picture's size
 
+    /// Profiles of cameras, screens and printers have some hundred bytes to a megabyte or two. A
+    /// file could hold 16 megabytes, which would then be in each thumbnail that is made.
+    static constexpr std::size_t kMaxProfileBytes = std::size_t{4} << 20;
+
     CGraphicsJpeg();
     CGraphicsJpeg(const CGraphicsJpeg&) = delete;
     CGraphicsJpeg& operator=(const CGraphicsJpeg&) = delete;
@@ -46,6 +53,19 @@ public:
     bool mAppend = false;  ///< writes go behind what the file holds instead of replacing it
     SJpegState* mState;    ///< owned: what libjpeg needs between calls
     int mReadOffset = 0;   ///< where in the file the JPEG to read begins, in bytes
+
+    /// libjpeg's warnings while the picture last opened for reading was read, up to now and as far
+    /// as that is: 0 for one that is whole, at least 1 for one that was cut short.
+    long mWarnings = 0;
+    /// Pictures are read at the smallest of their whole, a half, a quarter and an eighth that
+    /// leaves the longer side at least this many pixels; whole for 0.
+    int mLeastSide = 0;
+    bool mKeepProfile = false;  ///< reads leave the picture's colour profile in mProfile
+    /// An ICC profile. Opening a read sets it if mKeepProfile is true: empty if the picture has
+    /// none, a damaged one or a larger one than kMaxProfileBytes, or not three components. Every
+    /// picture that is written gets it, unless it is empty; it must not be larger.
+    std::vector<unsigned char> mProfile;
+    std::string mOutputName;  ///< the file last opened for lines to be written; empty for a stream
 
     /// Ends whatever is open, without a word. A file being written is left cut short.
     void Abandon();
@@ -77,7 +97,11 @@ public:
     // An error while encoding (an empty picture, a full disk, a writer closed before its last row)
     // ends the process with libjpeg's message and exit status 1. `quality` is libjpeg's, 0 to 100.
 
-    /// Writes a whole picture of width * height * 3 bytes; false when the file can't be opened.
+    // Some systems tell only at its closing that a file was not stored. The close then fails, and
+    // a new file (not one that was appended to, a device or a link) is removed.
+
+    /// Writes a whole picture of width * height * 3 bytes; false when the file can't be opened or
+    /// closed.
     bool WriteJpeg(const char* fileName, short width, short height, const unsigned char* pixels,
                    int quality);
     /// Writes a picture at the stream's position and leaves the stream open behind it. Returns the
@@ -87,27 +111,33 @@ public:
 
     /// Opens a file for exactly `height` calls of WriteJpegLine; false when it can't be opened.
     bool OpenJpegWrite(const char* fileName, int width, int height, int quality);
+    /// The same at the stream's position. CloseJpegWrite leaves the stream open.
+    void OpenJpegWrite(std::FILE* stream, int width, int height, int quality);
     /// Writes the next row, width * 3 bytes. Returns the number of rows accepted, which is 1.
     int WriteJpegLine(const void* line);
-    /// Ends the write. Before the last row, libjpeg ends the process ("Application transferred too
-    /// few scanlines", exit status 1).
-    void CloseJpegWrite();
+    /// Ends the write; false when the file can't be closed. Before the last row, libjpeg ends the
+    /// process ("Application transferred too few scanlines", exit status 1).
+    bool CloseJpegWrite();
 
     /// Writes the picture that the last stream write described (whose pixels must still exist) to
     /// a stream.
     void write_JPEG_file(std::FILE* stream, int quality);
-    /// The same to a file. One that can't be opened ends the process with exit status 1.
+    /// The same to a file. One that can't be opened or closed ends the process with exit status 1.
     void write_JPEG_file(const char* fileName, int quality);
 
 private:
     std::FILE* OpenJpegFile(const char* fileName) const;
     bool InitJpegRead(int* width, int* height, int* components);
+    void TakeProfile();
+    void CountWarnings();
+    void EndRead();
     bool LinesRemain() const;
     bool DecodeLine(unsigned char* row);
     bool ReadJpegLine();
     void put_scanline();
     void CloseJpeg();
-    void AbandonWrite();
+    void BeginWrite(std::FILE* stream, int width, int height, int quality);
+    bool AbandonWrite();
 };
 
 #endif

@@ -4,7 +4,9 @@
 // Private to the sources of CGraphicsJpeg, the only ones that see libjpeg.
 
 #include <csetjmp>
+#include <cstddef>
 #include <cstdio>
+#include <vector>
 // libjpeg's header wants stdio's names declared before it.
 #include <jpeglib.h>
 
@@ -16,6 +18,32 @@ struct SJumpingErrors
 {
     jpeg_error_mgr mManager;  // first, so that a pointer to it is a pointer to the whole
     std::jmp_buf mJump;
+};
+
+/// What a line-wise write goes to.
+enum class EOutput {
+    kNewFile,   // new, or replaced
+    kAppended,  // a file that holds something else, too
+    kStream     // the caller's, which stays open
+};
+
+/// A part of a colour profile: what one marker of the file holds.
+struct SProfilePart
+{
+    JOCTET* mBytes;  // libjpeg's own memory
+    std::size_t mSize;
+};
+
+/// A colour profile in the parts that have been read. They are numbered from 1, and each says how
+/// many there are.
+struct SProfileParts
+{
+    static constexpr int kMost = 255;
+
+    SProfilePart mParts[kMost];
+    int mCount;         // of the whole profile; 0 while no part has been read
+    std::size_t mSize;  // of all parts read
+    bool mDamaged;
 };
 
 /// What libjpeg needs between calls. A plain record, so that zeroing it makes it new.
@@ -32,13 +60,30 @@ struct SJpegState
     std::FILE* mOutput;           // null while no line-wise write is open
     unsigned char* mImageData;    // the caller's pixels: those being read, or those to encode
     int mDecodedRowBytes;
-    int mTargetRowBytes;  // in mImageData; equal to mDecodedRowBytes, as nothing is scaled
+    int mTargetRowBytes;  // in mImageData; equal to mDecodedRowBytes, as it is of the same width
     int mHeight;          // of the picture being encoded
     int mWidth;
     unsigned char* mWriteCursor;  // where in mImageData the next decoded row goes
+    EOutput mOutputKind;
+    SProfileParts mProfile;
 };
 
 /// Lets the decompressor read from state.mInput.
 void SetInput(SJpegState& state);
+
+/// Makes the decompressor refuse, as damaged, pictures that cost too much.
+void SetLimits(SJpegState& state);
+/// Whether a file from its byte `offset` on can hold the pixels that its header claims. Files that
+/// have no length, such as pipes, are believed.
+bool CanHold(const SJpegState& state, int offset);
+
+/// Lets the decompressor collect the parts of a colour profile in state.mProfile while it reads the
+/// header, until EndProfile.
+void BeginProfile(SJpegState& state);
+void EndProfile(SJpegState& state);
+/// The profile that was collected; empty if parts are missing, damaged or too large.
+std::vector<unsigned char> JoinProfile(const SProfileParts& profile);
+/// Writes a profile, which may be empty, behind the header that has just been written.
+void WriteProfile(jpeg_compress_struct& compressor, const std::vector<unsigned char>& profile);
 
 #endif

@@ -178,7 +178,7 @@ TEST_F(CGraflibJpegTest, ScalesWhileReading)
             const auto byLines = [&, &w = width, &h = height] {
                 lines.OpenReadLine(mPath);
                 EXPECT_TRUE(lines.GetSize(other.c_str(), 0, 0));
-                lines.DownScaleLines(mPath, w, h);
+                lines.ScaleWhileReading(mPath, w, h);
             };
             const std::string expected = OneStreamOf(plain);
             EXPECT_EQ(OneStreamOf(byLines), expected);
@@ -195,6 +195,6 @@ TEST_F(CGraflibJpegTest, ScalesWhileReading)
     unsigned char row[64 * 4];
     TestImage image;
     EXPECT_TRUE(image.OpenReadLine(other.c_str()) && image.ReadLine(row));
-    EXPECT_EQ(OutputOf([&] { image.DownScaleLines(mPath, 8, 8); }), "Errors: 1 " + mFile);
+    EXPECT_EQ(OutputOf([&] { image.ScaleWhileReading(mPath, 8, 8); }), "Errors: 1 " + mFile);
     EXPECT_EQ(image.mData, nullptr);
 }

@@ -1,29 +1,30 @@
-#ifndef TESSEL_GRAFLIB_SCALEDROW_H
-#define TESSEL_GRAFLIB_SCALEDROW_H
+#ifndef TESSEL_GRAFLIB_DOWNSCALEFIX2ROW_H
+#define TESSEL_GRAFLIB_DOWNSCALEFIX2ROW_H
 
-// The innermost level of the fixed-point scaler: one destination row out of the source rows under
-// it. A part of DownScaleFix2.cpp, which has the drawing; for no other source.
+// The innermost level of the fixed-point scaler: it makes one destination row out of the source
+// rows under it. A part of DownScaleFix2.cpp, which has the drawing: no other source includes it.
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 #include "graflib/FixedPointTypes.h"
 
-namespace {
+namespace fix2 {
 
-// The flat loops, compiled once for every x86-64 and once for those with wider registers; the
-// machine picks its version when the program starts. All is integers: the results are the same.
-// (Clang 14 can't do this for templates.)
+// GCC compiles the flat loops twice, for every x86-64 machine and for those with wider registers.
+// The program picks one version when it starts. All numbers are integers, so both give the same
+// results. (Clang 14 can't do this for templates.)
 #if defined(__x86_64__) && defined(__gnu_linux__) && !defined(__clang__)
 #define TESSEL_VERSIONS [[gnu::target_clones("avx2", "default")]]
 #else
 #define TESSEL_VERSIONS
 #endif
 
-/// sums[i] = KEEP * sums[i] + the samples at i of ROWS neighbouring rows. Several at once save most
-/// of the traffic to and from the sums.
+/// sums[i] = KEEP * sums[i] + the samples at i of ROWS neighbouring rows. Several rows at once save
+/// most of the reads and writes of the sums.
 template <bool KEEP, std::size_t ROWS, typename Tcolumn, typename Tsample>
-TESSEL_VERSIONS void AddRows(Tcolumn* __restrict sums, const Tsample* row, std::size_t length)
+TESSEL_VERSIONS static void AddRows(Tcolumn* __restrict sums, const Tsample* row,
+                                    std::size_t length)
 {
     for (std::size_t i = 0; i < length; ++i) {
         Tcolumn sum = KEEP ? sums[i] : Tcolumn{0};
@@ -33,7 +34,7 @@ TESSEL_VERSIONS void AddRows(Tcolumn* __restrict sums, const Tsample* row, std::
     }
 }
 
-/// Sums `count` neighbouring rows.
+/// Stores the sums of `count` neighbouring rows, the first of which is `row`.
 template <typename Tcolumn, typename Tsample>
 void SumRows(std::vector<Tcolumn>& sums, const Tsample* row, int count)
 {
@@ -49,18 +50,24 @@ void SumRows(std::vector<Tcolumn>& sums, const Tsample* row, int count)
     }
 }
 
-/// Divides by a footprint's area. A mean, halves rounded up, is (2 * sum + area) / (2 * area), cut.
-/// For 8-bit samples this is a product with d = 2 * area's reciprocal, rounded up, times 2^56: too
-/// large by at most dividend / 2^56, and the dividend is below 256 * d. A quotient is at least 1 /
-/// d short of the next whole number, so all is exact while 256 * d * d <= 2^56, and fits in 64
-/// bits.
+/// Divides the sums of 8-bit samples by a footprint's area, halves rounded up, without a division.
+///
+/// With d = 2 * area and n = 2 * sum + area, the result is n / d, cut. Store multiplies n by
+/// m = 2^kBits / d, cut, plus 1, and drops kBits bits. The results are the same:
+///
+///     n <= 255.5 * d         because a footprint's weights add up to at most its area
+///     m <= 2^kBits / d + 1   so the product is above n / d, by at most n / 2^kBits
+///     n / 2^kBits < 1 / d    because 256 * d * d <= 2^kBits (the first assertion below), and
+///                            n / d is at least 1 / d below the next whole number
+///     n * m < 2^64           because 255.5 * (2^kBits + d) < 2^64 (the second assertion)
+///
+/// Larger areas and samples of 16 bits are divided.
 template <typename Tpixel>
 class CDivisor
 {
 public:
     explicit CDivisor(std::int64_t area)
-        : mArea(area),
-          mReciprocal((std::uint64_t{1} << 56) / static_cast<std::uint64_t>(2 * area) + 1)
+        : mArea(area), mReciprocal(kOne / static_cast<std::uint64_t>(2 * area) + 1)
     {
     }
 
@@ -71,19 +78,24 @@ public:
             return sums.Store(mArea, dest);
         for (int k = 0; k < Tpixel::kComponents; ++k) {
             const auto dividend = static_cast<std::uint64_t>(2 * sums.mSums[k] + mArea);
-            dest->mSamples[k] = static_cast<typename Tpixel::Sample>(dividend * mReciprocal >> 56);
+            dest->mSamples[k] =
+                static_cast<typename Tpixel::Sample>(dividend * mReciprocal >> kBits);
         }
     }
 
 private:
+    static constexpr int kBits = 56;
+    static constexpr std::uint64_t kOne = std::uint64_t{1} << kBits;
     static constexpr std::int64_t kMostArea = 1 << 23;
+    static_assert(256 * (2 * kMostArea) * (2 * kMostArea) <= std::int64_t{1} << kBits);
+    static_assert(kOne / 2 + kMostArea <= UINT64_MAX / 511);  // 511 being 2 * 255.5
 
     std::int64_t mArea;
     std::uint64_t mReciprocal;
 };
 
-/// The source rows under a destination row and what they add up to. Held by value: behind a
-/// pointer, it would have to be read again after every pixel that is stored.
+/// The source rows under a destination row and their sums. Functions take it by value: behind a
+/// pointer, its fields would be read again after every pixel that is stored.
 template <typename Tsample, typename Tcolumn, typename Tsum>
 struct SRowSums
 {
@@ -95,9 +107,9 @@ struct SRowSums
     const Tsum* mWeighted;       ///< the sums of all rows, each times its weight
 };
 
-/// Fills row.mWeighted, which is `weighted`.
+/// Fills `weighted`, which is row.mWeighted.
 template <int SHIFT, typename Trow, typename Tsum>
-TESSEL_VERSIONS void WeighRows(const Trow row, Tsum* __restrict weighted, std::size_t length)
+TESSEL_VERSIONS static void WeighRows(const Trow row, Tsum* __restrict weighted, std::size_t length)
 {
     const auto topWeight = static_cast<Tsum>(row.mTopWeight);
     const auto bottomWeight = static_cast<Tsum>(row.mBottomWeight);
@@ -107,7 +119,7 @@ TESSEL_VERSIONS void WeighRows(const Trow row, Tsum* __restrict weighted, std::s
                       static_cast<Tsum>(row.mBottom[i]) * bottomWeight;
 }
 
-/// Makes the pixels of a destination row. Not inlined, for the sake of the registers.
+/// Makes the pixels of a destination row. Not inlined, because its loops need all registers.
 template <int SHIFT, typename Tfix, typename Trow, typename Tpixel>
 [[gnu::noinline]] void MakePixels(const Trow row, CFixT<SHIFT> step, std::int64_t area,
                                   Tpixel* dest, int width)
@@ -131,6 +143,6 @@ template <int SHIFT, typename Tfix, typename Trow, typename Tpixel>
     }
 }
 
-}  // namespace
+}  // namespace fix2
 
 #endif

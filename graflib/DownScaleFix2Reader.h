@@ -1,8 +1,8 @@
-#ifndef TESSEL_GRAFLIB_READROWS_H
-#define TESSEL_GRAFLIB_READROWS_H
+#ifndef TESSEL_GRAFLIB_DOWNSCALEFIX2READER_H
+#define TESSEL_GRAFLIB_DOWNSCALEFIX2READER_H
 
-// The rows of a picture that is scaled while it is read: a part of DownScaleFix2.cpp, for no other
-// source.
+// The rows of a picture that is scaled while it is read. A part of DownScaleFix2.cpp: no other
+// source includes it.
 #include <algorithm>
 #include <cstring>
 #include <vector>
@@ -11,18 +11,21 @@
 #include "graflib/PixelWalk.h"
 #include "util/SizeProduct.h"
 
-/// Reads the picture that `image` has opened and keeps the rows asked for last. `opened` has its
-/// size and depth, whatever has become of the image's record since; a row that can't be read is
-/// thrown with `name`.
-class CReadRows
+namespace fix2 {
+
+/// Reads the rows of the picture that `image` has opened. Only the rows of the last request are
+/// kept. `opened` has the picture's size and depth: the image's own record may have changed since
+/// the picture was opened. `name` is the picture's, for exceptions and for the line of Show.
+class CRowReader
 {
 public:
-    CReadRows(CGraflib* image, const CDataRect& opened, const char* name)
+    CRowReader(CGraflib* image, const CDataRect& opened, const char* name)
         : mImage(image), mName(name), mOpened(opened), mRows(opened.RowBytes())
     {
     }
 
-    /// The rows from `first`, the last one of the call before or the next, to `last`.
+    /// Returns the rows `first` to `last`. `first` is the last row of the request before, or the
+    /// row after it. Throws GLIB_ERR_READ when a row can't be read.
     const unsigned char* Rows(int first, int last)
     {
         mRows.resize(std::max(mRows.size(), SizeProduct(last - first + 1, mOpened.RowBytes())));
@@ -34,8 +37,8 @@ public:
         return Row(0);
     }
 
-    /// Reads the rows that nothing is made of, closes the file, and writes the line of Show that
-    /// the picture would have got.
+    /// Reads the rows that are left, closes the file, and writes the line of Show for the picture
+    /// as if it were in memory.
     void Finish()
     {
         while (mNext < mOpened.mHeight)
@@ -62,5 +65,7 @@ private:
     int mFirst = 0;  // the first row in mRows
     int mNext = 0;   // the row that will be read next
 };
+
+}  // namespace fix2
 
 #endif

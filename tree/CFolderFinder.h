@@ -1,0 +1,68 @@
+#ifndef TESSEL_TREE_CFOLDERFINDER_H
+#define TESSEL_TREE_CFOLDERFINDER_H
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+
+#include <cstddef>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tree/STreeOptions.h"
+
+class CReport;
+
+/// A folder with a gallery.
+struct SFoundFolder
+{
+    std::size_t mRoot = 0;  ///< the named folder at or below which it lies, by its number
+    std::string mPath;      ///< begins as the named folder was written
+    std::string mRelative;  ///< from the named folder on, which is itself ""
+    long mPictures = 0;     ///< named *.jpg
+    long mPassedOver = 0;   ///< named *.jpeg
+};
+
+/// Finds the galleries at and below the named folders, one after the other: folders that hold a
+/// *.jpg or a database. Links to folders are not entered, nor folders named as the thumbnail
+/// folder, with a leading dot, or as the options exclude. A folder that is named itself is found
+/// once, whatever its name is, and with the folders named before it are not found again below
+/// another.
+///
+/// Keeps the names of folders on the way alone, however many galleries there are. What can't be
+/// listed is reported. Used by one thread.
+class CFolderFinder
+{
+public:
+    /// The options and the report outlive the finder.
+    CFolderFinder(const STreeOptions& options, CReport& report);
+
+    /// The next gallery; nothing behind the last.
+    std::optional<SFoundFolder> Next();
+
+private:
+    using Identity = std::pair<dev_t, ino_t>;
+    struct SFolder
+    {
+        std::string mPath;
+        std::string mRelative;
+    };
+
+    bool BeginNextRoot();
+    std::optional<SFoundFolder> Visit(const SFolder& folder);
+    bool IsEntered(const std::string& name) const;
+    bool IsOthersTurn(const struct stat& status, bool isRoot);
+    bool List(DIR* folder, SFoundFolder& found, std::vector<std::string>& folders) const;
+
+    const STreeOptions& mOptions;
+    CReport& mReport;
+    std::set<Identity> mRoots;   // found in their own turn
+    std::set<Identity> mBegun;   // those whose turn it was
+    std::size_t mRoot = 0;       // the next one to begin with
+    std::vector<SFolder> mToDo;  // folders to visit, the next one last
+};
+
+#endif

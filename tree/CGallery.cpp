@@ -1,0 +1,296 @@
+#include "tree/CGallery.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <iterator>
+
+#include "app/CDraft.h"
+#include "app/CIndexPage.h"
+#include "app/OutputFile.h"
+#include "tree/AlbumPage.h"
+#include "tree/CReport.h"
+#include "tree/CWorkerPool.h"
+#include "tree/ThumbWork.h"
+#include "util/CFileIO.h"
+
+namespace {
+
+/// From a gallery to the page of all galleries, which stands in the folder that was named.
+std::string BackLink(const std::string& relative)
+{
+    std::string link = kGalleriesFile;
+    if (!relative.empty())
+        link.insert(0, "../");
+    for (auto slash = relative.find('/'); slash != std::string::npos;
+         slash = relative.find('/', slash + 1))
+        link.insert(0, "../");
+    return link;
+}
+
+}  // namespace
+
+CGallery::CGallery(const SFoundFolder& folder, const STreeOptions& options, CReport& report)
+    : mFolder(folder),
+      mOptions(options),
+      mReport(report),
+      mPaths(folder.mPath),
+      mEntry{folder.mRelative, folder.mPictures, ""}
+{
+}
+
+CGallery::~CGallery()
+{
+    if (mLock >= 0)
+        close(mLock);
+}
+
+/// False when another process holds the lock. A file system without locks lets the run go on.
+bool CGallery::Lock()
+{
+    mLock = open(mFolder.mPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    mIsLocked = mLock >= 0 && flock(mLock, LOCK_EX | LOCK_NB) == 0;
+    return mIsLocked || mLock < 0 || errno != EWOULDBLOCK;
+}
+
+EOpened CGallery::Open()
+{
+    if (!Lock())
+        return EOpened::kLocked;
+    if (!CFileIO::ResolveWildCard(mFolder.mPath.c_str(), kPicturePattern, &mNames)) {
+        Fail("the folder can't be listed");
+        return EOpened::kFailed;
+    }
+    mMade.resize(mNames.size());
+    mReported.resize(mNames.size());
+    mHasThumbs = MakeThumbFolder(mPaths.mThumbFolder, mPaths.mDbase);
+    if (!mHasThumbs)
+        Fail("tessel is a link that is not followed");
+    mHasDatabase = mHasThumbs && ReadDatabase(mPaths.mDbase.c_str(), &mRecords, &mSaved);
+    if (mHasThumbs && !mHasDatabase)
+        Fail("the database can't be read");
+    if (!mHasDatabase)
+        mNext = mNames.size();  // without it, every picture would be made again in every run
+    RemoveDrafts();
+    ReadThumbs();
+    return EOpened::kOpened;
+}
+
+/// Removes what a killed run has left. Without a lock it could be somebody's work.
+void CGallery::RemoveDrafts() const
+{
+    CDraftFolder drafts(mPaths.mThumbFolder + "/" + kThumbDrafts);
+    struct stat status = {};
+    if (!mIsLocked || lstat(drafts.Path().c_str(), &status) != 0 ||
+        drafts.Open() != EReplaced::kDone)
+        return;
+    drafts.RemoveDrafts();
+    drafts.Remove();
+}
+
+void CGallery::ReadThumbs()
+{
+    if (mHasThumbs)
+        CFileIO::ResolveWildCard(mPaths.mThumbFolder.c_str(), kPicturePattern, &mThumbs);
+    std::sort(mThumbs.begin(), mThumbs.end());
+}
+
+bool CGallery::HasThumb(std::size_t picture) const
+{
+    return mMade[picture] || std::binary_search(mThumbs.begin(), mThumbs.end(), mNames[picture]);
+}
+
+const SFileInfo* CGallery::RecordOf(const std::string& name) const
+{
+    const auto found = mRecords.find({name});
+    return found == mRecords.end() ? nullptr : &*found;
+}
+
+std::optional<SGalleryTask> CGallery::NextPicture()
+{
+    while (mNext < mNames.size()) {
+        const std::size_t picture = mNext++;
+        const std::string path = Picture(picture);
+        const SFileInfo* const record = RecordOf(mNames[picture]);
+        const SPictureState state = TestPicture(path.c_str(), record);
+        const bool must = state.mMustMake || mOptions.mRemake ||
+                          (mOptions.mRepair && record->mTime != state.mTime);
+        if (must || mOptions.mRepair) {
+            mUnderWay[picture] = state;
+            return SGalleryTask{picture, ThumbRequest(path, !must)};
+        }
+    }
+    return std::nullopt;
+}
+
+void CGallery::Finish(std::size_t picture, const STaskResult& result)
+{
+    const SPictureState state = mUnderWay.at(picture);
+    mUnderWay.erase(picture);
+    if (result.mReply.empty()) {
+        Forget(picture);
+        ReportLost(picture, result);
+        return;
+    }
+    const SThumbResult thumb = ReadThumbReply(result.mReply);
+    mMade[picture] = thumb.mOutcome == EThumb::kMade;
+    if (mMade[picture])
+        mReport.AddThumbnail();
+    if (thumb.mOutcome == EThumb::kUnwritable)
+        Forget(picture);
+    else if (thumb.mOutcome != EThumb::kKept)
+        Record(picture, state);
+    ReportPicture(picture, result, thumb);
+}
+
+/// Records a picture with the time that it had before it was read.
+void CGallery::Record(std::size_t picture, const SPictureState& state)
+{
+    if (!state.mHasTime)
+        return;
+    mRecords.insert({mNames[picture], state.mTime}).first->mTime = state.mTime;
+}
+
+/// Drops the record of a picture without the thumbnail that it should have: the next run tries
+/// again.
+void CGallery::Forget(std::size_t picture)
+{
+    mRecords.erase({mNames[picture]});
+}
+
+void CGallery::ReportPicture(std::size_t picture, const STaskResult& result,
+                             const SThumbResult& thumb)
+{
+    const std::string path = Picture(picture);
+    const std::string message =
+        JpegMessage(result.mPrinted, path, mPaths.Thumbnail(mNames[picture]));
+    mReported[picture] = true;
+    if (thumb.mOutcome == EThumb::kUnwritable)
+        Fail("a thumbnail can't be written: " + mNames[picture]);
+    else if (thumb.mOutcome == EThumb::kUnreadable && !HasThumb(picture))
+        mReport.AddMissing(path, message);
+    else if (thumb.mOutcome == EThumb::kUnreadable || thumb.mWarnings > 0)
+        mReport.AddDamaged(path, message, !mMade[picture]);
+    else
+        mReported[picture] = false;
+}
+
+/// A worker has ended in the middle of a picture.
+void CGallery::ReportLost(std::size_t picture, const STaskResult& result)
+{
+    const std::string message =
+        JpegMessage(result.mPrinted, Picture(picture), mPaths.Thumbnail(mNames[picture]));
+    mReported[picture] = true;
+    Fail("the process that made " + mNames[picture] + " was " + result.mEnd +
+         (message.empty() ? "" : ": " + message));
+}
+
+void CGallery::Save()
+{
+    if (!mHasDatabase)
+        return;
+    std::string text = DatabaseText(mRecords);
+    struct stat status = {};
+    if (text == mSaved && (!text.empty() || lstat(mPaths.mDbase.c_str(), &status) == 0))
+        return;
+    if (ReplaceFile(mPaths.mDbase, text))
+        mSaved.swap(text);
+    else
+        Fail("the database can't be written");
+}
+
+void CGallery::Abandon()
+{
+    Save();
+    RemoveDrafts();
+}
+
+void CGallery::Close()
+{
+    if (mOptions.mPrune)
+        Prune();
+    Save();
+    RemoveDrafts();
+    WritePage();
+    if (mOptions.mPage)
+        WriteAlbum();
+    ReportMissing();
+    mReport.AddGallery(static_cast<long>(mNames.size()));
+    mReport.AddPassedOver(mFolder.mPassedOver);
+}
+
+/// Removes a thumbnail whose name stands in the database; false when it is still there.
+bool CGallery::RemoveThumb(int folder, const std::string& name) const
+{
+    const bool isThumbName = IsPictureName(name) && name.find('/') == std::string::npos;
+    return !isThumbName || unlinkat(folder, name.c_str(), 0) == 0 || errno == ENOENT;
+}
+
+/// Removes the records of pictures that are gone, and their thumbnails. Nothing is removed through
+/// a link.
+void CGallery::Prune()
+{
+    const int folder = mHasDatabase ? open(mPaths.mThumbFolder.c_str(),
+                                           O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)
+                                    : -1;
+    if (folder < 0)
+        return;
+    const std::set<std::string> present(mNames.begin(), mNames.end());
+    bool complete = true;
+    for (auto record = mRecords.begin(); record != mRecords.end();) {
+        const bool isGone = present.count(record->mName) == 0;
+        const bool isRemoved = isGone && RemoveThumb(folder, record->mName);
+        complete = complete && isRemoved == isGone;
+        record = isRemoved ? mRecords.erase(record) : std::next(record);
+    }
+    close(folder);
+    if (!complete)
+        Fail("a thumbnail can't be removed");
+}
+
+void CGallery::WritePage()
+{
+    CIndexPage page;
+    std::string text = page.Head(mPaths.Heading());
+    for (const std::string& name : mNames)
+        text += page.Cell(name);
+    text += page.Tail();
+    if (!UpdateFile(mPaths.mPage, text))
+        Fail(std::string(kPageFile) + " can't be written");
+}
+
+void CGallery::WriteAlbum()
+{
+    std::vector<SAlbumPicture> pictures;
+    for (std::size_t i = 0; i < mNames.size(); ++i) {
+        const SFileInfo* const record = RecordOf(mNames[i]);
+        pictures.push_back({mNames[i], record ? record->mTime : 0, HasThumb(i)});
+    }
+    SortPictures(pictures, mOptions.mByTime);
+    const auto first = std::find_if(pictures.begin(), pictures.end(),
+                                    [](const SAlbumPicture& picture) { return picture.mHasThumb; });
+    mEntry.mPictures = static_cast<long>(mNames.size());
+    mEntry.mFirstThumb = first == pictures.end() ? "" : first->mName;
+    if (!UpdateFile(mFolder.mPath + "/" + kAlbumFile,
+                    MakeAlbumPage(mPaths.Heading(), pictures, BackLink(mFolder.mRelative),
+                                  mOptions.mThumbSize)))
+        Fail(std::string(kAlbumFile) + " can't be written");
+}
+
+/// Names the pictures without a thumbnail that this run has not tried.
+void CGallery::ReportMissing()
+{
+    for (std::size_t i = 0; i < mNames.size(); ++i) {
+        if (!mReported[i] && !HasThumb(i))
+            mReport.AddMissing(Picture(i), "");
+    }
+}
+
+void CGallery::Fail(const std::string& reason)
+{
+    mReport.AddUnfinished(mFolder.mPath, reason);
+}

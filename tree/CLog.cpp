@@ -1,0 +1,58 @@
+#include "tree/CLog.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <ctime>
+
+#include "app/OutputFile.h"
+
+namespace {
+
+constexpr int kNewFileMode = 0666;  // less the umask
+
+std::string TimeLine()
+{
+    const std::time_t now = std::time(nullptr);
+    std::tm local = {};
+    char text[64];
+    localtime_r(&now, &local);
+    const std::size_t length = std::strftime(text, sizeof text, "tessel-tree %F %T %z", &local);
+    return std::string(text, length) + "\n";
+}
+
+}  // namespace
+
+CLog::~CLog()
+{
+    Close();
+}
+
+bool CLog::Open(const std::string& path)
+{
+    // Without waiting for a reader, should it be a FIFO.
+    const int file =
+        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, kNewFileMode);
+    mStream = file < 0 ? nullptr : fdopen(file, "ab");
+    if (!mStream) {
+        if (file >= 0)
+            close(file);
+        return false;
+    }
+    Add(TimeLine());
+    return std::fflush(mStream) == 0;
+}
+
+void CLog::Add(const std::string& printed)
+{
+    if (mStream)
+        std::fwrite(printed.data(), 1, printed.size(), mStream);
+}
+
+bool CLog::Close()
+{
+    std::FILE* const stream = mStream;
+    mStream = nullptr;
+    return !stream || CloseOutput(stream);
+}

@@ -1,0 +1,95 @@
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "app/Process.h"
+#include "tree/CLog.h"
+#include "tree/CReport.h"
+#include "tree/CTreeRun.h"
+#include "tree/CWorkerPool.h"
+#include "tree/Interruption.h"
+#include "tree/Machines.h"
+#include "tree/STreeOptions.h"
+#include "tree/ThumbWork.h"
+
+namespace {
+
+constexpr int kWrongUsage = 2;
+constexpr int kSignalStatus = 128;  // added to the signal's number, as shells do
+
+int Stop(const std::string& reason, int status)
+{
+    std::cerr << "tessel-tree: " << reason << std::endl;
+    return status;
+}
+
+/// Makes the named folders' paths whole, so that they lead to the same place on every machine, and
+/// every folder has a name.
+void MakeWhole(std::vector<std::string>& folders)
+{
+    for (std::string& folder : folders) {
+        folder = std::filesystem::absolute(folder).lexically_normal().string();
+        if (folder.size() > 1 && folder.back() == '/')
+            folder.pop_back();
+    }
+}
+
+std::size_t JobCount(const STreeOptions& options)
+{
+    const unsigned cores = std::thread::hardware_concurrency();
+    return options.mJobs > 0 ? static_cast<std::size_t>(options.mJobs) : cores > 0 ? cores : 1;
+}
+
+int MakeGalleries(const STreeOptions& options, int wakeFile)
+{
+    const auto work = [&options](const std::string& request) {
+        return MakeRequestedThumb(request, options);
+    };
+    CWorkerPool pool(JobCount(options), work, wakeFile);
+    CLog log;
+    CReport report;
+    if (!options.mLog.empty() && !log.Open(options.mLog))
+        return Stop("the log can't be written: " + options.mLog, EXIT_FAILURE);
+    if (!options.mMachines.empty() && !RunOnMachines(options))
+        return Stop("GNU parallel can't be started", EXIT_FAILURE);
+    CTreeRun(options, pool, log, report).Run();
+    if (!log.Close())
+        report.AddFailure(options.mLog);
+    if (Interruption() != 0)
+        return kSignalStatus + Interruption();
+    report.Write(std::cout);
+    return report.IsComplete() ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+int RunCommand(const std::vector<std::string>& arguments)
+{
+    STreeOptions options = ParseOptions(arguments);
+    if (options.mHelp) {
+        std::cout << UsageText() << std::flush;
+        return EXIT_SUCCESS;
+    }
+    if (options.mVersion) {
+        std::cout << "tessel-tree " TESSEL_VERSION << std::endl;
+        return EXIT_SUCCESS;
+    }
+    MakeWhole(options.mFolders);
+    return MakeGalleries(options, WatchInterruption());
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    PrepareProcess();
+    try {
+        return RunCommand({argv + 1, argv + argc});
+    } catch (const CUsageError& error) {
+        return Stop(error.what(), kWrongUsage);
+    } catch (const std::exception& error) {
+        return Stop(error.what(), EXIT_FAILURE);
+    }
+}
