@@ -269,6 +269,8 @@ EReplaced CDraft::PutInPlace()
 
 bool ReplaceFile(const std::string& path, std::string_view text)
 {
+    if (IsMissing(path) && WriteNew(path, text))
+        return true;
     for (int i = 0; i < kMostTries && MayReplace(path); ++i) {
         switch (ReplaceByDraft(path, text)) {
             case EReplaced::kDone:

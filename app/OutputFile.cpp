@@ -74,6 +74,12 @@ bool IsOrdinary(const struct stat& status)
     return S_ISREG(status.st_mode) && status.st_nlink == 1;
 }
 
+bool IsMissing(const std::string& path)
+{
+    struct stat status = {};
+    return lstat(path.c_str(), &status) != 0 && errno == ENOENT;
+}
+
 bool MayReplace(const std::string& path)
 {
     struct stat status = {};

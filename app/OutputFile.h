@@ -14,6 +14,8 @@
 
 /// True for a regular file with one name, whose contents are its own.
 bool IsOrdinary(const struct stat& status);
+/// True where nothing stands, not even a link to nothing.
+bool IsMissing(const std::string& path);
 /// True where a new file may take the place of what stands at `path`: of nothing, of an ordinary
 /// file that can be both read and written, of a link, a hard link, a FIFO or a socket.
 bool MayReplace(const std::string& path);

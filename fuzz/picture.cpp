@@ -1,5 +1,6 @@
 // The reader: whole, at an offset, line by line; the scaler on what was read and while it is read;
 // the writer.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -28,10 +29,23 @@ void RequireSameByLines(const char* path, const CGraflibJpeg& whole)
     CGraflibJpeg lines;
     const CPixelOwner owner(&lines);
     lines.OpenReadLine(path);
-    if (lines.ScaleWhileReading("", kThumbSize, kThumbSize / 2))
-        Require(
-            lines.mBits == whole.mBits && std::memcmp(lines.mData, whole.mData, lines.Bytes()) == 0,
+    if (!lines.ScaleWhileReading("", kThumbSize, kThumbSize / 2))
+        return;
+    Require(lines.mBits == whole.mBits, "rows have the picture's depth");
+    Require(std::memcmp(lines.mData, whole.mData, lines.Bytes()) == 0,
             "rows make the same thumbnail as the picture");
+    Require(lines.mWarnings == whole.mWarnings, "rows have the picture's warnings");
+}
+
+/// A picture that can be read whole can also be read reduced, and keeps the pixels asked for.
+void RequireReduced(const char* path, int longerSide)
+{
+    CGraflibJpeg reduced;
+    const CPixelOwner owner(&reduced);
+    reduced.mLeastSide = kThumbSize / 4;
+    reduced.Read(path, nullptr);
+    Require(std::max(reduced.mWidth, reduced.mHeight) >= std::min(longerSide, reduced.mLeastSide),
+            "a picture is reduced no further than asked for");
 }
 
 void ReadWhole(const char* path, int offset)
@@ -40,14 +54,21 @@ void ReadWhole(const char* path, int offset)
     const CPixelOwner owner(&image);
     SFileReadInfo info;
     info.mOffset = offset;
+    image.mKeepProfile = true;
     image.Read(path, &info);
     Require(image.mData && image.mWidth > 0 && image.mHeight > 0, "a picture has pixels");
+    const int longerSide = std::max(image.mWidth, image.mHeight);
     image.DownScaleFix2(kThumbSize, kThumbSize / 2);
-    if (offset == 0)
+    if (offset == 0) {
         RequireSameByLines(path, image);
+        RequireReduced(path, longerSide);
+    }
     const ScratchFile target("");
     image.Write(target.Path().c_str(), true, nullptr);
-    Require(image.GetSize(target.Path().c_str(), 0, 0), "what is written can be read");
+    CGraflibJpeg written;
+    written.mKeepProfile = true;
+    written.OpenReadLine(target.Path().c_str());
+    Require(written.mProfile == image.mProfile, "what is written has the profile");
 }
 
 void ReadByLine(const char* path)

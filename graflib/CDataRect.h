@@ -7,8 +7,8 @@
 
 /// The image record: a buffer of packed pixels with the picture's size and depth.
 ///
-/// Rows lie one behind the other, the top row first, without padding; a row is
-/// `mWidth * (mBits / 8)` bytes long. The layout of a pixel follows from the depth:
+/// The top row comes first, and rows have no padding: a row is `mWidth * (mBits / 8)` bytes long.
+/// The layout of a pixel depends on the depth:
 ///
 ///     mBits   bytes   one pixel
 ///         8       1   a grey level, or an index into a palette of 256 colours
@@ -16,10 +16,10 @@
 ///        24       3   red, green, blue
 ///        32       4   red, green, blue, alpha (or a JPEG file's four channels)
 ///
-/// The buffer is an array made with `new unsigned char[]`. The record refers to it and never
-/// releases it: who had it filled releases it with `delete[]`, by hand or with CPixelOwner.
-/// Copying a record copies the pointer, not the pixels. Sizes that no buffer can have throw
-/// `std::bad_alloc` where they are multiplied. One record is used by one thread at a time.
+/// The buffer is an array made with `new unsigned char[]`. The record points to it and never
+/// releases it: whoever had it filled releases it with `delete[]`, by hand or with CPixelOwner.
+/// Copying a record copies the pointer, not the pixels. The functions below throw `std::bad_alloc`
+/// for sizes that no buffer can have. One record is used by one thread at a time.
 struct CDataRect
 {
     unsigned char* mData = nullptr;  ///< null while the record holds no picture
@@ -35,7 +35,8 @@ struct CDataRect
     std::size_t PixelCount() const { return SizeProduct(mWidth, mHeight); }
 };
 
-/// Releases a record's pixel buffer, whichever it then is, when the scope is left.
+/// Releases the buffer of a record when the scope ends: the one that the record then holds. The
+/// record's mData is null afterwards.
 class CPixelOwner
 {
 public:

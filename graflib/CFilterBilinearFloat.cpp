@@ -1,5 +1,5 @@
-// The results are defined by single precision, down to a 254 where all samples are 255: each
-// operation is rounded by itself. (CMakeLists.txt forbids compilers to fuse two.)
+// Single precision defines the results, even a 254 where all samples are 255. So each operation is
+// rounded by itself. (CMakeLists.txt forbids compilers to fuse two operations.)
 #include "graflib/CFilterBilinearFloat.h"
 
 #include <algorithm>
@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Runs of whole samples are summed as integers, this many at a time.
+/// Fully covered samples are added up as integers, this many at a time.
 constexpr int kGroup = 4;
 
 /// How far the position lies behind the start of a sample.
@@ -37,8 +37,8 @@ F AddWeighted(F sum, F value, F weight)
     return Rounded(sum + Rounded(value * weight));
 }
 
-/// A position cut to a whole number, from 0 to `most`. Compared first: the longest sides become a
-/// position that no int can hold.
+/// A position cut to a whole number, from 0 to `most`. It is compared before it is converted,
+/// because positions along the longest sides are too large for an int.
 template <typename F>
 int Cut(F position, int most)
 {
@@ -47,7 +47,7 @@ int Cut(F position, int most)
     return position < static_cast<F>(most) ? static_cast<int>(position) : most;
 }
 
-/// Room for a picture with a row and a column more; null where there is none.
+/// An array for a picture with one more row and one more column; null when memory runs out.
 template <typename T>
 std::unique_ptr<T[]> RoomFor(int width, int height, int components)
 try {
@@ -61,7 +61,7 @@ try {
 template <typename T, typename F>
 F CFilterBilinearFloat<T, F>::RowSum(const T* samples, F start, F end) const
 {
-    // Running sums may drift beyond the last column: nothing is read there.
+    // Running sums may drift beyond the last column, where nothing may be read.
     const int last = mSrcWidth - 1;
     const int first = Cut(start, last);
     const F rest = Distance(end, first + 1);
@@ -77,7 +77,7 @@ F CFilterBilinearFloat<T, F>::RowSum(const T* samples, F start, F end) const
     for (; left > 0; --left, sample += step)
         sum = Rounded(sum + static_cast<F>(sample[step]));
     const F part = std::min(Distance(rest, full), F{1});
-    // A negative part takes back what the first sample counted too much.
+    // A footprint within one sample has a negative part: it corrects the first sample's weight.
     const bool next = part > 0 && first + full < last;
     return AddWeighted(sum, static_cast<F>(sample[next ? step : 0]), part);
 }
@@ -126,7 +126,7 @@ template <typename T, typename F>
 void CFilterBilinearFloat<T, F>::BilinearStageY(int component)
 {
     const F area = Rounded(mScaleX * mScaleY);
-    // Behind the rows of the horizontal stage there is room for one more.
+    // mResultVectorX has room for one row more than the horizontal stage fills.
     F* const sums = mResultVectorX + std::ptrdiff_t{mSrcHeight} * mDstWidth;
     T* result = mResultVectorY + component;
     F start = 0;
@@ -162,6 +162,7 @@ T* CFilterBilinearFloat<T, F>::DownScale(T* source, int srcWidth, int srcHeight,
         return nullptr;
     const auto sums = RoomFor<F>(dstWidth, srcHeight, components);
     auto result = RoomFor<T>(dstWidth, dstHeight, components);
+    // The spelling stays as it is, for programs that look for these lines.
     if (!sums)
         std::cout << "***** insufficent memory in DownScale mResultVectorX=NULL" << std::endl;
     if (!result)

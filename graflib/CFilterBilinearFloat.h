@@ -1,37 +1,41 @@
 #ifndef TESSEL_GRAFLIB_CFILTERBILINEARFLOAT_H
 #define TESSEL_GRAFLIB_CFILTERBILINEARFLOAT_H
 
-/// A separable box filter in floating point: the horizontal stage sums each source row under every
-/// destination column, the vertical stage sums these sums under every destination row and divides
-/// by the footprint's area. Partly covered samples count by the part that is covered. Positions are
-/// running sums in F, and results are cut, not rounded: flat areas may come out one step darker.
+/// A separable box filter in floating point. The horizontal stage adds up each source row under
+/// every destination column. The vertical stage adds up these sums under every destination row and
+/// divides by the footprint's area. A partly covered sample counts by the part that is covered.
+/// Positions are running sums of type F. Results are cut, not rounded, so that flat areas may come
+/// out one step darker.
 ///
 /// The filter works on any array of interleaved samples (component 0, 1, ... of pixel 0, then of
-/// pixel 1, ...) and knows nothing of images. T is the sample type, F the type it computes in; it
-/// exists for T = unsigned char and T = short, with F = float, and gives the same bits with any
-/// compiler that keeps to IEEE single precision. An object is used for one call after the other,
-/// by one thread at a time; the source stays with the caller and is only read.
+/// pixel 1, ...) and knows nothing of images. T is the sample type, F the type that it computes in.
+/// It exists for T = unsigned char and T = short, both with F = float. All compilers that keep to
+/// IEEE single precision give the same bits. One object is used by one thread at a time. The source
+/// stays with the caller and is only read.
 template <typename T, typename F>
 class CFilterBilinearFloat
 {
 public:
-    /// Resizes `source` and returns the result, `dstWidth * dstHeight * components` samples in a
-    /// new array that is a little larger and belongs to the caller (`delete[]`).
+    /// Resizes `source` and returns the result, `dstWidth * dstHeight * components` samples. Their
+    /// array is new, has a little more room than that, and belongs to the caller (`delete[]`).
     ///
-    /// `srcLineWidth` is the distance from one source row to the next, in pixels. `progress` may
-    /// be null; it is called before each of the two stages of every component. Returns null when a
-    /// side is below 1, and, after a line on standard output, when memory runs out.
+    /// `srcLineWidth` is the distance from one source row to the next, in pixels. `progress` is
+    /// called before each of the two stages of every component; it may be null. Returns null when a
+    /// side or `components` is below 1. When memory runs out, it writes a line beginning "***** "
+    /// for each array that has no room, and returns null.
     T* DownScale(T* source, int srcWidth, int srcHeight, int dstWidth, int dstHeight,
                  int components, int srcLineWidth, void (*progress)());
 
-    /// The horizontal stage for one component, into mResultVectorX: row after row of mDstWidth
-    /// sums, whose weights add up to mScaleX.
+    /// The horizontal stage for one component. Fills mResultVectorX with mSrcHeight rows of
+    /// mDstWidth sums; the weights of each sum add up to mScaleX.
     void BilinearStageX(int component);
-    /// The vertical stage for the same component, from there into mResultVectorY.
+    /// The vertical stage for the same component. Takes the sums from mResultVectorX and fills
+    /// mResultVectorY.
     void BilinearStageY(int component);
 
-    // What DownScale fills in before it runs the stages. Who calls a stage alone fills it in
-    // likewise: mResultVectorX has room for mSrcHeight + 1 rows of mDstWidth sums.
+    // DownScale fills in these fields before it runs the stages. A program that calls a stage by
+    // itself fills them in, too: mResultVectorX needs room for mSrcHeight + 1 rows of mDstWidth
+    // sums.
     int mSrcWidth = 0;              ///< pixels
     int mSrcHeight = 0;             ///< rows
     int mSrcLineWidth = 0;          ///< pixels from one source row to the next
@@ -40,8 +44,8 @@ public:
     int mComponents = 0;            ///< samples per pixel
     F mScaleX = 0;                  ///< source pixels per destination pixel
     F mScaleY = 0;                  ///< source rows per destination row
-    F* mResultVectorX = nullptr;    ///< one component's rows and one more; null outside a call
-    T* mResultVectorY = nullptr;    ///< the result; null outside a call
+    F* mResultVectorX = nullptr;    ///< one component's sums; null outside DownScale
+    T* mResultVectorY = nullptr;    ///< the result; null outside DownScale
     T* mSource = nullptr;           ///< the source's samples, only read
     void (*mProgress)() = nullptr;  ///< called before each stage; may be null
 

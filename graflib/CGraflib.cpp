@@ -25,6 +25,7 @@ void CGraflib::Show(const char* name)
 
 void CGraflib::ShowGlibError(CGraflibException& e)
 {
+    // The texts stay as they are, for programs that look for them.
     switch (e.mCode) {
         case GLIB_ERR_SIZE:
             std::cout << "GLIB error: Groesse der Bitmaps verschieden" << std::endl;

@@ -35,7 +35,7 @@ bool CGraflib::SeparateAlpha(CGraflib* color, CGraflib* alpha)
         return false;
     }
     const auto pixels = PixelsOf<CRgba>(*this);
-    // What the records held before belongs to the caller.
+    // The buffers that the two records hold belong to the caller: they aren't released.
     if (color) {
         CNewPixels<CRgb> colours(PixelCount());
         for (std::size_t i = 0; i < colours.Count(); ++i)

@@ -17,18 +17,18 @@ enum EGraflibError : int {
 };
 
 /// What the image library throws, by value. It owns its texts. CGraflib::ShowGlibError prints other
-/// texts, of the codes from 4 on.
+/// texts, for the codes 4 to 6 alone.
 class CGraflibException : public std::exception
 {
 public:
-    /// `code` is one of EGraflibError, `info` the name of a file or of an operation.
+    /// `code` is one of EGraflibError; `info` is the name of a file or of an operation.
     CGraflibException(int code, const std::string& info)
         : mCode(code), mInfo(info), mText(info + ": " + Reason(code))
     {
     }
 
-    /// What is wrong with what, such as "photo.jpg: can't be read". Fixed when the exception is
-    /// made.
+    /// mInfo and what is wrong, such as "photo.jpg: can't be read". The text doesn't follow later
+    /// changes of the fields.
     const char* what() const noexcept override { return mText.c_str(); }
 
     int mCode;          ///< one of EGraflibError

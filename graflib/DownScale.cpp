@@ -19,7 +19,7 @@ unsigned char* CGraflib::DownScaleFloat(int width, int height)
                                                               components, mWidth, nullptr));
     if (!samples)
         return nullptr;
-    // The record's buffer is an array of bytes of exactly its size, which the filter's isn't.
+    // The filter's array is larger than a record's buffer, and not one of bytes.
     const CDataRect result{nullptr, width, height, mBits};
     auto pixels = NewArray<unsigned char>(result.Bytes());
     std::memcpy(pixels.get(), samples.get(), result.Bytes());

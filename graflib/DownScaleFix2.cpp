@@ -1,5 +1,5 @@
-// The fixed-point area scaler: what a pixel is (GetScaledPicturePixel), and the walk over rows that
-// gets the same by a shorter way (WalkRows and DownScaleFix2Row.h).
+// The fixed-point area scaler: the definition of a pixel (GetScaledPicturePixel), and the walk over
+// rows that makes the same pixels faster (WalkRows and DownScaleFix2Row.h).
 //
 // A destination pixel's footprint, with the weights of its source columns and rows:
 //
@@ -12,10 +12,10 @@
 //       bottom  |     :   |         |         |   :     |
 //               +-----:---+---------+---------+---:-----+
 //
-// In a full column the weight is wy itself, so the column's weighted sum is the same for every
-// destination pixel: it is formed once per destination row. In the first and last column the cut of
-// the shift matters only at the corners, as the weight of a full row is wx itself: such a column is
-// wx times the sum of the full rows plus its two corners.
+// In a full column, wx is ONE and the weight is wy. So the column's weighted sum is the same for
+// every destination pixel, and is formed once for a destination row. In the first and the last
+// column, the weight of a full row is wx. So such a column is wx times the sum of its full rows,
+// plus its two corners. Only there does the shift cut anything.
 #include <algorithm>
 #include <climits>
 #include <cstddef>
@@ -38,8 +38,8 @@
 
 namespace {
 
-/// Fraction bits by the area ratio: the more pixels are summed, the fewer bits are left for the
-/// fractions of a 32-bit sum of 8-bit samples.
+/// Fraction bits by the area ratio. Sums of 64 bits would have room for more. But results depend on
+/// the fraction bits, and pictures must come out as they always have: that is why the table stays.
 constexpr struct
 {
     double mRatioLimit;
@@ -50,8 +50,6 @@ constexpr struct
     {1024.0, 4},
     {std::numeric_limits<double>::infinity(), 2},
 };
-static_assert(16.0 * (1 << 16) * UCHAR_MAX < 0x1p31 && 256.0 * (1 << 8) * UCHAR_MAX < 0x1p31 &&
-              1024.0 * (1 << 4) * UCHAR_MAX < 0x1p31);
 
 /// Source pixels to a destination pixel.
 float AreaRatio(const CDataRect& source, int width, int height)
@@ -64,8 +62,8 @@ bool IsDepth(int bits)
     return bits == 8 || bits == 16 || bits == 24 || bits == 32;
 }
 
-/// The fraction bits for the ratio, or fewer: every position along a side must fit in 32 bits.
-/// 0 where the picture can't be scaled.
+/// The fraction bits for the ratio, or fewer, so that every position along a side fits in 32 bits.
+/// 0 when the picture can't be scaled.
 int ChooseShift(const CDataRect& source, int width, int height)
 {
     if (!IsDepth(source.mBits) || std::min({width, height, source.mWidth, source.mHeight}) < 1)
@@ -83,13 +81,14 @@ void ShowPixelSize(int bytes)
     std::cout << "sizeof(Tpixel)=" << bytes << std::endl;
 }
 
-/// Writes what there is to say of a picture that has been scaled or refused.
+/// Writes the lines of DownScaleFix2 for a picture that has been scaled or refused.
 void ShowScaled(const CDataRect& source, int width, int height, bool isScaled)
 {
     if (!IsDepth(source.mBits))
         std::cout << "***** unsupported bitcount:" << source.mBits << std::endl;
     if (!isScaled)
         return;
+    // The words stay as they are, for programs that look for them.
     if (source.mBits == 24)
         std::cout << "ScaleFakt=" << AreaRatio(source, width, height) << std::endl;
     ShowPixelSize(source.mBits / CHAR_BIT);
@@ -104,12 +103,12 @@ void ShowScaled(const CDataRect& source, int width, int height, bool isScaled)
     TESSEL_WITH_SHIFTS(DO, CPixel3fixT, SPixel3i<unsigned char>) \
     TESSEL_WITH_SHIFTS(DO, CPixel4fixT, SPixel4i<unsigned char>)
 
-/// Where the walk takes its source rows from, those from `first` to `last`. Each time, `first` is
-/// the last row of the time before, or the next.
+/// Gives the walk the source rows from `first` to `last`. `first` is the `last` of the call before,
+/// or the row after it.
 using RowSource = std::function<const unsigned char*(int first, int last)>;
 
-/// Makes row by row the pixels that GetScaledPicturePixel makes one by one. A Tcolumn takes the sum
-/// of a column's full rows, a Tsum that of all its rows, weighted.
+/// Makes the pixels of GetScaledPicturePixel, row by row. A Tcolumn holds the sum of a column's
+/// full rows, a Tsum the weighted sum of all its rows.
 template <int SHIFT, typename Tfix, typename Tcolumn, typename Tsum, typename Tpixel>
 void WalkRows(const SScaleParams<SHIFT, Tpixel>& params, const RowSource& source, int width,
               int height)
@@ -124,7 +123,7 @@ void WalkRows(const SScaleParams<SHIFT, Tpixel>& params, const RowSource& source
         const int below = std::max(rows.mLast - rows.mFirst, 0);
         const auto* const pixels =
             reinterpret_cast<const Tpixel*>(source(rows.mFirst, rows.mFirst + below));
-        if (area == 0) {  // footprints vanish: each pixel is the one in which its own starts
+        if (area == 0) {  // footprints without area: take the pixel in which each one starts
             for (int x = 0; x < width; ++x)
                 dest[x] = pixels[SSpanT<SHIFT>(x, params.mStepX).mFirst];
             continue;
@@ -134,13 +133,14 @@ void WalkRows(const SScaleParams<SHIFT, Tpixel>& params, const RowSource& source
         const fix2::SRowSums<typename Tpixel::Sample, Tcolumn, Tsum> row{
             top, bottom, rows.mFirstWeight, rows.mLastWeight, full.data(), weighted.data()};
         fix2::SumRows(full, top + length, std::max(below - 1, 0));
-        if (params.mStepX.mValue > CFixT<SHIFT>::kOne)  // else no pixel has full columns
+        if (params.mStepX.mValue > CFixT<SHIFT>::kOne)  // otherwise no pixel has full columns
             fix2::WeighRows<SHIFT>(row, weighted.data(), length);
         fix2::MakePixels<SHIFT, Tfix>(row, params.mStepX, area, dest, width);
     }
 }
 
-/// Chooses the sums. Narrow ones make the walk fast: half the bytes, twice the lanes.
+/// Chooses the types of the sums. Narrow ones make the walk faster: vector registers hold more of
+/// them.
 template <int SHIFT, typename Tfix, typename Tpixel>
 void WalkPicture(const CDataRect& picture, const RowSource& source, Tpixel* dest, int width,
                  int height)
@@ -163,8 +163,8 @@ RowSource BufferedRows(const CDataRect& picture)
     };
 }
 
-/// The pixels of a picture scaled to `width` x `height`, made out of its rows; null where it can't
-/// be scaled.
+/// Scales a picture to `width` x `height`, taking its rows from `source`. Null when it can't be
+/// scaled.
 std::unique_ptr<unsigned char[]> ScaleRows(const CDataRect& picture, const RowSource& source,
                                            int width, int height)
 {
@@ -189,7 +189,7 @@ void CGraflib::GetScaledPicturePixel(SScaleParams<SHIFT, Tpixel>* params, int x,
     const SSpanT<SHIFT> rows(y, params->mStepY);
     const auto* const pixels = reinterpret_cast<const Tpixel*>(mData);
     const auto rowOf = [=](int row) { return pixels + std::ptrdiff_t{row} * params->mSrcWidth; };
-    // mArea, with the bits for which it has no room where one pixel is made of millions.
+    // The same as mArea, but with all bits: mArea holds 32, too few for millions of source pixels.
     const std::int64_t area = CFixT<SHIFT>::Multiply(params->mStepX.mValue, params->mStepY.mValue);
     if (area == 0) {
         *params->mDest = rowOf(rows.mFirst)[columns.mFirst];
@@ -228,7 +228,7 @@ unsigned char* CGraflib::ScaleWhileReading(const CDataRect& opened, const char* 
         const auto read = [&](int first, int last) { return rows.Rows(first, last); };
         pixels = ScaleRows(opened, read, width, height);
     } catch (const std::bad_alloc&) {
-        rows.Finish();  // where there is no room, DownScaleFix2 would find out after that, too
+        rows.Finish();  // as when the picture had been read whole before memory ran out
         throw;
     }
     rows.Finish();

@@ -1,4 +1,4 @@
-// Halving of lines: every destination sample is the mean of a 2 x 2 block of source samples.
+// Two lines become one of half the width: every sample is the mean of a 2 x 2 block of samples.
 #include <iostream>
 
 #include "graflib/CGraflib.h"
@@ -7,7 +7,8 @@ namespace {
 
 constexpr int kBlockShift = 2;  // four samples to a block
 
-/// Writes sample `component` of each of the `count` pixels of COUNT samples at `dest`.
+/// Stores sample number `component` of each of the `count` pixels at `dest`. A pixel has COUNT
+/// samples. `dest` may be `source`: a sample is stored where all samples have been used.
 template <typename Tsample, int COUNT>
 void HalveLine(const void* source, void* dest, int count, int offset, int component)
 {

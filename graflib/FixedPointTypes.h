@@ -5,8 +5,9 @@
 
 #include "graflib/CDataRect.h"
 
+/// @file
 /// The number, accumulator and parameter types of the fixed-point scaler CGraflib::DownScaleFix2.
-/// All are plain values that own nothing; threads need no care.
+/// All are plain values that own nothing; different threads may use different objects.
 
 /// A number with SHIFT fraction bits in 32 bits.
 template <int SHIFT>
@@ -19,36 +20,37 @@ struct CFixT
     std::int32_t mValue = 0;  ///< the number times kOne
 
     CFixT() = default;
-    /// The quotient a / b, cut toward zero. `a` must leave room for the fraction bits.
+    /// The quotient a / b, cut toward zero. `a` times kOne must fit in 32 bits.
     CFixT(int a, int b) : mValue(static_cast<std::int32_t>(static_cast<double>(a << SHIFT) / b)) {}
 
-    /// The product, cut downward; beyond 32 bits its low 32 bits remain.
+    /// The product, rounded down. Of a product beyond 32 bits the low 32 bits remain.
     friend CFixT operator*(CFixT a, CFixT b)
     {
         CFixT product;
         product.mValue = static_cast<std::int32_t>(Multiply(a.mValue, b.mValue));
         return product;
     }
-    /// The same of numbers times kOne, with all its bits.
+    /// The product of two numbers that are given times kOne, rounded down, with all its bits.
     static std::int64_t Multiply(std::int64_t a, std::int64_t b) { return (a * b) >> SHIFT; }
 
-    /// The whole number below.
+    /// The number, rounded down.
     std::int32_t Integer() const { return mValue >> SHIFT; }
-    /// What the number has beyond that, times kOne.
+    /// The number minus Integer(), times kOne.
     std::int32_t Fraction() const { return mValue & kMask; }
 };
 
-/// The source columns or rows, first to last, under a destination column or row number `index`, and
-/// how much of each is covered. Nothing is where `step` is 0: mLast lies before mFirst then.
+/// The source columns (or rows) under one destination column (or row), and how much of each is
+/// covered. With a step of 0 nothing is covered, and mLast is below mFirst.
 template <int SHIFT>
 struct SSpanT
 {
     int mFirst;                 ///< the first column or row
     int mLast;                  ///< the last one
-    std::int32_t mFirstWeight;  ///< of the first, times CFixT::kOne
-    std::int32_t mLastWeight;   ///< of the last; 0 where there is but one
+    std::int32_t mFirstWeight;  ///< the covered part of the first, times CFixT::kOne
+    std::int32_t mLastWeight;   ///< the same of the last; 0 when there is only one
 
-    /// `step` source columns or rows make one destination column or row.
+    /// For the destination column or row number `index`, counted from 0. `step` source columns or
+    /// rows make one destination column or row.
     SSpanT(int index, CFixT<SHIFT> step)
     {
         constexpr std::int32_t kOne = CFixT<SHIFT>::kOne;
@@ -60,15 +62,15 @@ struct SSpanT
         mLastWeight = mLast > mFirst ? end - mLast * kOne : 0;
     }
 
-    /// How much of column or row `i` is covered, from mFirst to mLast.
+    /// The covered part of column or row `i`, times CFixT::kOne. `i` is from mFirst to mLast.
     std::int32_t Weight(int i) const
     {
         return i == mFirst ? mFirstWeight : i == mLast ? mLastWeight : CFixT<SHIFT>::kOne;
     }
 };
 
-/// One accumulator per component of a pixel. 64 bits, because 32 would overflow with 16-bit
-/// samples, and with 8-bit ones where a pixel stands for more than two million.
+/// One sum per component of a pixel. A sum has 64 bits: 32 bits would overflow with 16-bit samples,
+/// and with 8-bit samples when a destination pixel covers more than two million source pixels.
 template <int SHIFT, int COUNT>
 struct CPixelNfixT
 {
@@ -85,7 +87,7 @@ struct CPixelNfixT
             mSums[k] += weight * samples[k];
     }
 
-    /// Writes each sum divided by the footprint's area, halves rounded up.
+    /// Stores each sum divided by the footprint's area, rounded to the nearest number, halves up.
     template <typename Tpixel>
     void Store(std::int64_t area, Tpixel* dest) const
     {
@@ -98,14 +100,17 @@ struct CPixelNfixT
     }
 };
 
+/// The sums of a pixel of 8 or 16 bits.
 template <int SHIFT>
 using CPixel1fixT = CPixelNfixT<SHIFT, 1>;
+/// The sums of a pixel of 24 bits.
 template <int SHIFT>
 using CPixel3fixT = CPixelNfixT<SHIFT, 3>;
+/// The sums of a pixel of 32 bits.
 template <int SHIFT>
 using CPixel4fixT = CPixelNfixT<SHIFT, 4>;
 
-/// What the destination pixels of a picture share, for CGraflib::GetScaledPicturePixel.
+/// The values that all destination pixels of a picture share, for CGraflib::GetScaledPicturePixel.
 template <int SHIFT, typename Tpixel>
 struct SScaleParams
 {
@@ -114,10 +119,11 @@ struct SScaleParams
     CFixT<SHIFT> mStepX;          ///< source columns per destination column
     CFixT<SHIFT> mStepY;          ///< source rows per destination row
     CFixT<SHIFT> mArea;           ///< source pixels per destination pixel: mStepX * mStepY
-    Tpixel* mDest = nullptr;      ///< the destination pixel that the next call writes
+    Tpixel* mDest = nullptr;      ///< where the next call stores its pixel
 };
 
-/// The record for scaling a picture to `width` x `height`, beginning with the pixel `dest`.
+/// The record for scaling a picture to `width` x `height`, both at least 1, with mDest = `dest`.
+/// The picture's sides times 2^SHIFT must fit in 32 bits.
 template <int SHIFT, typename Tpixel>
 SScaleParams<SHIFT, Tpixel> MakeScaleParams(const CDataRect& source, Tpixel* dest, int width,
                                             int height)

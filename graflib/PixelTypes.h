@@ -4,8 +4,9 @@
 #include <utility>
 
 /// @file
-/// Value types of exactly one pixel. They hold their components and nothing else, so an array of
-/// them lies directly over a picture's buffer. They own nothing; threads need no care.
+/// Value types of exactly one pixel. They hold their components and nothing else, so a picture's
+/// buffer can be read and written as an array of them. They own nothing; different threads may use
+/// different pixels.
 
 /// A 32-bit pixel: red, green, blue, alpha. Alpha 0 is fully transparent, 255 fully opaque.
 template <typename T>
@@ -28,8 +29,8 @@ struct CPixel24T
     T mGreen;  ///< the second
     T mBlue;   ///< the third
 
-    /// Takes the colour of a 32-bit pixel; its alpha is dropped. (A template, so that a list of
-    /// three values in braces can only be a pixel of 24 bits.)
+    /// Takes the colour of a 32-bit pixel and drops its alpha. (It is a template so that three
+    /// values in braces can only mean a 24-bit pixel.)
     template <typename U>
     CPixel24T& operator=(const CPixel32T<U>& src)
     {
@@ -39,8 +40,9 @@ struct CPixel24T
         return *this;
     }
 
-    /// Blends `src` over this pixel by its alpha a: d * (255 - a) / 255 + s * a / 255, each
-    /// quotient cut on its own, so that mixing like with like may lose one step of brightness.
+    /// Blends `src` over this pixel by its alpha a: d * (255 - a) / 255 + s * a / 255. Each
+    /// quotient is cut by itself, so that a blend of two equal colours may come out one step
+    /// darker.
     void MixPixel(const CPixel32T<T>* src)
     {
         if (src->mAlpha == 0)
@@ -69,7 +71,7 @@ private:
 using CRgb = CPixel24T<unsigned char>;   ///< one 24-bit pixel
 using CRgba = CPixel32T<unsigned char>;  ///< one 32-bit pixel
 
-/// A pixel of COUNT samples of type T, without operations: what the scalers read and write.
+/// A pixel of COUNT samples of type T, without operations. The scalers read and write these.
 template <typename T, int COUNT>
 struct SPixelNi
 {

@@ -1,8 +1,7 @@
 #ifndef TESSEL_GRAFLIB_PIXELWALK_H
 #define TESSEL_GRAFLIB_PIXELWALK_H
 
-// What the operations on whole pictures share: the walk over a buffer as pixels, a new buffer of
-// pixels for a picture of the same size, and the line on a record. Not for users of the library.
+// What the operations on whole pictures share. The library's own sources alone include it.
 
 #include <cstddef>
 #include <memory>
@@ -13,17 +12,17 @@
 #include "graflib/PixelTypes.h"
 #include "util/SizeProduct.h"
 
-/// Writes the line of CGraflib::Show for any record.
+/// Writes the line of CGraflib::Show for a record.
 void ShowRecord(const char* name, const CDataRect& record);
 
-/// The pixels of a record, rows from the top, as values of its depth's type.
+/// The pixels of a record, row by row from the top. Tpixel is the type for the record's depth.
 template <typename Tpixel>
 std::span<Tpixel> PixelsOf(const CDataRect& image)
 {
     return {reinterpret_cast<Tpixel*>(image.mData), image.PixelCount()};
 }
 
-/// A new buffer of `count` pixels, which a record takes over.
+/// A new buffer of `count` pixels, for a record to take over.
 template <typename Tpixel>
 class CNewPixels
 {

@@ -3,10 +3,10 @@
 
 #include <cfloat>
 
-/// A result of one operation with all its digits beyond the type's removed. The x87 unit of old PCs
-/// keeps more of them until a number is stored in memory; everywhere else there are none, and this
-/// costs nothing. As single precision has fewer than half the unit's digits, the second rounding
-/// gives what rounding once would have given. For the library's own sources.
+/// The result of one operation, rounded to the precision of F. The x87 unit of old PCs keeps more
+/// digits until a number is stored in memory. Other machines keep none, and there this function
+/// does nothing. Single precision has fewer than half the digits of the x87 unit, so rounding twice
+/// gives the same as rounding once. The library's own sources alone include this header.
 template <typename F>
 F Rounded(F value)
 {
@@ -18,7 +18,7 @@ F Rounded(F value)
 #endif
 }
 
-/// The quotient of two whole numbers in single precision.
+/// The quotient of two whole numbers, all three rounded to single precision.
 inline float Quotient(int a, int b)
 {
     return Rounded(Rounded(static_cast<float>(a)) / Rounded(static_cast<float>(b)));

@@ -120,6 +120,7 @@ bool CGraphicsJpeg::InitJpegRead(int* width, int* height, int* components)
             ERREXIT(&decompressor, JERR_INPUT_EOF);
         ChooseScale(decompressor, mLeastSide);
         jpeg_start_decompress(&decompressor);
+        LimitScan(state);
         const JDIMENSION rowBytes =
             decompressor.output_width * static_cast<JDIMENSION>(decompressor.output_components);
         state.mDecodedRowBytes = static_cast<int>(rowBytes);

@@ -28,7 +28,8 @@ public:
 
     // Files that go beyond these limits count as damaged once they are to be decoded.
 
-    /// Up to this size a header is believed: at most 200 MB of memory, for a progressive file.
+    /// Up to this size a header is believed. At most 268 MB are at stake: a progressive picture of
+    /// four channels takes eight bytes a pixel.
     static constexpr std::uint64_t kMaxBelievedPixels = 1 << 25;
     /// Above, a file must be long enough for its picture. Huffman coding spends a bit or more on a
     /// block of 64 pixels, so it can't hold more than 512 pixels a byte: a header that claims twice
@@ -39,6 +40,15 @@ public:
     /// and rarely a hundred. One scan is always read.
     static constexpr std::uint64_t kMaxScannedPixels = 2'500'000'000;
     static constexpr std::uint64_t kMaxScans = 500;  ///< whatever the picture's size
+    /// In arithmetic coding a few hundred bytes can keep the decoder busy for as long as the
+    /// picture is large: sizes and scans are limited to what takes this long at worst. What
+    /// encoders make of 27 megapixels in one scan, and of 19 in ten, is within it, at half the
+    /// columns and rows for the colours.
+    static constexpr int kMaxArithmeticSeconds = 5;
+    /// The memory that libjpeg may take, unless the environment says otherwise (JPEGMEM, where
+    /// libjpeg knows that). A picture in several scans takes two bytes a sample: 150 megapixels at
+    /// half the columns and rows for the colours, 89 at all of them.
+    static constexpr long kMaxDecoderBytes = 512L << 20;
 
     /// Profiles of cameras, screens and printers have some hundred bytes to a megabyte or two. A
     /// file could hold 16 megabytes, which would then be in each thumbnail that is made.

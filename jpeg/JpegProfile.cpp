@@ -1,6 +1,6 @@
-// Colour profiles. A file holds one in parts, each in a marker of its own. libjpeg can collect
-// them, but not every version can, and none has a limit: it keeps each marker of their kind, in a
-// list that it walks to its end for each: half a megabyte of empty markers takes it half a minute.
+// Colour profiles. A file holds one in parts, each in a marker of its own. Newer versions of
+// libjpeg collect them, but without a limit, and walk to the end of the list of markers for each:
+// over 512 kB of empty ones, that takes 24 seconds.
 #include <algorithm>
 #include <cstddef>
 #include <cstring>

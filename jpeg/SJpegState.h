@@ -5,6 +5,7 @@
 
 #include <csetjmp>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <vector>
 // libjpeg's header wants stdio's names declared before it.
@@ -65,14 +66,19 @@ struct SJpegState
     int mWidth;
     unsigned char* mWriteCursor;  // where in mImageData the next decoded row goes
     EOutput mOutputKind;
+    int mLastScan;                  // that has been added to mArithmeticCost
+    std::uint64_t mArithmeticCost;  // what all scans can take, in nanoseconds
     SProfileParts mProfile;
 };
 
 /// Lets the decompressor read from state.mInput.
 void SetInput(SJpegState& state);
 
-/// Makes the decompressor refuse, as damaged, pictures that cost too much.
+/// Makes the decompressor refuse, as damaged, pictures that take too much time or memory.
 void SetLimits(SJpegState& state);
+/// Refuses the scan that has begun, if it and those before are too many or too long. Of a file with
+/// several scans libjpeg has each looked at, but not the one of a file that has no more.
+void LimitScan(SJpegState& state);
 /// Whether a file from its byte `offset` on can hold the pixels that its header claims. Files that
 /// have no length, such as pipes, are believed.
 bool CanHold(const SJpegState& state, int offset);

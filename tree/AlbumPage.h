@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+/// @file
 /// The text of gallery.html: one gallery's pictures on a page for today's browsers, beside the
 /// index page. It is made here and written elsewhere. Functions without state, for any thread.
 

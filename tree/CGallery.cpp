@@ -133,6 +133,7 @@ void CGallery::Finish(std::size_t picture, const STaskResult& result)
     mUnderWay.erase(picture);
     if (result.mReply.empty()) {
         Forget(picture);
+        RemoveHalf(picture);
         ReportLost(picture, result);
         return;
     }
@@ -205,8 +206,18 @@ void CGallery::Save()
 
 void CGallery::Abandon()
 {
+    for (const auto& [picture, state] : mUnderWay)
+        RemoveHalf(picture);
     Save();
     RemoveDrafts();
+}
+
+/// Removes what a worker that was ended may have left in the place of a new thumbnail. An older one
+/// is replaced only when its draft is complete, and stays.
+void CGallery::RemoveHalf(std::size_t picture) const
+{
+    if (mHasThumbs && !HasThumb(picture))
+        unlink(mPaths.Thumbnail(mNames[picture]).c_str());
 }
 
 void CGallery::Close()

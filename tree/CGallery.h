@@ -80,6 +80,7 @@ private:
     bool HasThumb(std::size_t picture) const;
     void Record(std::size_t picture, const SPictureState& state);
     void Forget(std::size_t picture);
+    void RemoveHalf(std::size_t picture) const;
     void ReportPicture(std::size_t picture, const STaskResult& result, const SThumbResult& thumb);
     void ReportLost(std::size_t picture, const STaskResult& result);
     void Prune();

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+/// @file
 /// How names get into pages and onto terminals. A name is any row of bytes: it may hold markup,
 /// control characters, or bytes that are no UTF-8. Functions without state, for any thread.
 

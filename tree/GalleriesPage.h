@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+/// @file
 /// The text of galleries.html: all galleries at and below a folder, each with its first picture and
 /// a link to its page. It is made here and written elsewhere. Functions without state, for any
 /// thread.

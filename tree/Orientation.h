@@ -3,6 +3,7 @@
 
 class CGraflib;
 
+/// @file
 /// Which way up a photograph is. Cameras store the rows as the sensor gives them, and say in the
 /// Exif tag "orientation" how the picture is to be turned. Functions without state, for any thread.
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+/// @file
 /// What the pages for today's browsers share: everything but what stands on them. All texts are
 /// bytes without escapes, which are added here, and here alone. For any thread.
 

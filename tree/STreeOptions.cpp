@@ -242,8 +242,8 @@ Thumbnails:
   -tsize PIXELS     the longer side, instead of 192
   --upright         turn them as the camera was held
   --profile         keep the pictures' colour profiles
-  --fast            spend less time on each, with slightly other pixels
-  --repair          make again those that are missing
+  --fast            let the decoder shrink pictures first: faster, less exact
+  --repair          make again those that are missing, or wrong in size or time
   --remake          make all again
   --prune           remove those of pictures that are gone
 Pages for today's browsers:

@@ -23,9 +23,9 @@ struct STreeOptions
     bool mPage = false;                  ///< write the pages for today's browsers
     bool mByTime = false;                ///< pages in the order of time, not of names
     bool mPrune = false;                 ///< remove what belongs to pictures that are gone
-    bool mRepair = false;                ///< make missing thumbnails again
+    bool mRepair = false;                ///< make thumbnails again that are missing or not right
     bool mRemake = false;                ///< make all thumbnails again
-    bool mFast = false;                  ///< let the decoder scale, for speed
+    bool mFast = false;                  ///< let the decoder shrink the pictures first
     bool mOnly = false;                  ///< the folders themselves, not those below them
     bool mHelp = false;                  ///< only say how the program is called
     bool mVersion = false;               ///< only say which one it is

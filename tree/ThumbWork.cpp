@@ -67,7 +67,7 @@ bool WriteThumb(CThumbnail& thumbnail, const SPicture& picture)
     const std::string target = picture.mGallery.Thumbnail(picture.mName);
     const std::string folder = picture.mGallery.mThumbFolder + "/" + kThumbDrafts;
     EReplaced result = EReplaced::kForbidden;
-    if (MayReplace(target))
+    if (!IsMissing(target) && MayReplace(target))
         result = WriteDraft(thumbnail, target, OpenDrafts(folder, false));
     if (result == EReplaced::kLost)  // the folder is another one by now
         result = WriteDraft(thumbnail, target, OpenDrafts(folder, true));

@@ -11,6 +11,7 @@
 #include "tree/CReport.h"
 #include "tree/CTreeRun.h"
 #include "tree/CWorkerPool.h"
+#include "tree/Escape.h"
 #include "tree/Interruption.h"
 #include "tree/Machines.h"
 #include "tree/STreeOptions.h"
@@ -23,7 +24,7 @@ constexpr int kSignalStatus = 128;  // added to the signal's number, as shells d
 
 int Stop(const std::string& reason, int status)
 {
-    std::cerr << "tessel-tree: " << reason << std::endl;
+    std::cerr << "tessel-tree: " << Printable(reason) << std::endl;
     return status;
 }
 

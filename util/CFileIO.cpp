@@ -39,7 +39,7 @@ void CFileIO::Release()
 
 bool CFileIO::Open(const char* name, int mode)
 {
-    // The old file is closed before the new one, perhaps the same, is opened.
+    // Close the old file first: the new one may be the same.
     Release();
     mStream = new std::fstream(name, ToOpenMode(mode));
     return mStream->good();
@@ -64,7 +64,7 @@ bool CFileIO::OpenFileAppend(const char* name, int mode)
 
 bool CFileIO::OpenFileChange(const char* name, int position)
 {
-    // Asking to read as well is what keeps the stream from emptying the file.
+    // A stream that may only write would empty the file.
     if (!OpenFileWrite(name, kBinary | kRead))
         return false;
     SetReadPos(position);
@@ -129,7 +129,7 @@ bool CFileIO::ReadLine(std::string* line)
         return false;
     std::getline(*mStream, *line);
     std::erase(*line, '\r');
-    // A line without a line feed is no line: a read that met the end has failed.
+    // Text that no line feed ends isn't a line: the read has failed.
     if (mStream->eof())
         mStream->setstate(std::ios_base::failbit);
     return mStream->good();

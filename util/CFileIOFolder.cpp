@@ -1,4 +1,4 @@
-// The part of CFileIO that looks at folders, at files by name, and at names themselves.
+// The static functions of CFileIO: folders, files by name, and names.
 #include <dirent.h>
 #include <sys/stat.h>
 
@@ -21,7 +21,7 @@
 
 namespace {
 
-/// Row n holds the extension of format code n + 1.
+/// The extension at index n has the format code n + 1.
 constexpr const char* kFormatExtensions[] = {".JPG", ".TIF", ".PNG", ".TGA", ".RAW", ".GIF"};
 constexpr std::size_t kShortestFormatName = 5;  // one character and an extension
 
@@ -51,11 +51,11 @@ bool CFileIO::ResolveWildCard(const char* folder, const char* pattern,
 {
     const std::unique_ptr<DIR, FolderCloser> handle(opendir(folder));
     const std::string suffix(*pattern == '*' ? pattern + 1 : pattern);
-    list->clear();  // only now, as both names may stand in it
+    list->clear();  // only now, as `folder` and `pattern` may be elements of it
     if (!handle)
         return false;
     const auto next = [&handle] {
-        errno = 0;  // the end leaves it as it is, an error doesn't
+        errno = 0;  // an error changes it, the end of the folder doesn't
         return readdir(handle.get());
     };
     const dirent* entry = next();
@@ -78,7 +78,7 @@ char** CFileIO::ResolveWildCard(const char* folder, const char* pattern, int* co
     *count = static_cast<int>(names.size());
     if (names.empty())
         return nullptr;
-    // All null at first, so that a copy that fails leaves a list that can be released.
+    // All pointers are null at first, so that the list can be released when a copy fails.
     std::unique_ptr<char*[], StringListDeleter> list(new char*[names.size() + 1]());
     for (std::size_t i = 0; i < names.size(); ++i)
         list[i] = NewString(names[i].c_str());

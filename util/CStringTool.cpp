@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-// By value, so that the text may be an element of `fields`, which growing moves.
+// The text is passed by value because it may be an element of `fields`, which moves as it grows.
 int CStringTool::SplitString(std::string text,  // NOLINT(performance-unnecessary-value-param)
                              std::vector<std::string>* fields, char separator)
 {
@@ -26,7 +26,7 @@ void CStringTool::TrimString(std::string* text)
         text->erase(0, 1);
 }
 
-/// Where std::from_chars finds the number: behind white space and one plus sign.
+/// The place where std::from_chars finds the number: after white space and one plus sign.
 const char* CStringTool::SkipToNumber(const std::string& text)
 {
     const char* const end = text.data() + text.size();

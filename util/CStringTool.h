@@ -10,23 +10,22 @@
 
 /// Small operations on text: splitting into fields, unquoting, reading numbers.
 ///
-/// The class holds nothing; its functions may be called with or without an object and from any
-/// thread. They own nothing beyond their arguments and results.
+/// The class holds nothing. Its functions may be called with or without an object, from any thread.
 class CStringTool
 {
 public:
-    /// Splits `text` at every `separator` and appends the fields to `fields`, which is not emptied
-    /// first. Empty fields count: a text with n separators gives n + 1 fields, an empty text gives
-    /// one empty field. Returns the number of elements in `fields` afterwards.
+    /// Splits `text` at every `separator` and appends the fields to `fields`, which keeps what it
+    /// holds. A text with n separators gives n + 1 fields, which may be empty; an empty text gives
+    /// one empty field. Returns the number of elements that `fields` then has.
     static int SplitString(std::string text, std::vector<std::string>* fields, char separator);
 
     /// Removes one pair of double quotes around the text; any other text stays as it is. A text
     /// that is a single double quote becomes empty.
     static void TrimString(std::string* text);
 
-    /// Reads the value at the start of the text as a stream's `>>` does: white space before it is
-    /// skipped and whatever follows it is ignored. Gives T() for a text that holds no value, or
-    /// one that T cannot hold.
+    /// Reads the value at the start of the text as a stream's `>>` does: it skips white space first
+    /// and ignores everything after the value. Gives T() for a text without a value, and for a
+    /// value that T cannot hold.
     template <typename T>
     static T StringTo(const std::string& text);
 
@@ -37,7 +36,7 @@ private:
 template <typename T>
 T CStringTool::StringTo(const std::string& text)
 {
-    // What a stream would read, without the cost of making one.
+    // The same as a stream reads, but making a stream takes much longer.
     if constexpr (std::same_as<T, int> || std::same_as<T, long> || std::same_as<T, std::int64_t>) {
         T value = 0;
         std::from_chars(SkipToNumber(text), text.data() + text.size(), value);

@@ -5,10 +5,15 @@
 #include "graflib/SinglePrecision.h"
 #include "tests/support/TestSupport.h"
 
+using testing::ElementsAre;
+
+namespace {
+
 using Line = std::vector<float>;
+using ByteFilter = CFilterBilinearFloat<unsigned char, float>;
 
 /// The sums along one axis as they are defined, one for each of `count` footprints.
-static Line SlowSums(const Line& samples, int count)
+Line SumsByDefinition(const Line& samples, int count)
 {
     const int last = static_cast<int>(samples.size()) - 1;
     const float step = Quotient(last + 1, count);
@@ -27,71 +32,131 @@ static Line SlowSums(const Line& samples, int count)
     return sums;
 }
 
+/// A picture of one component scaled as it is defined.
+Bytes ScaledByDefinition(const Bytes& source, const Sizes& sizes, int lineWidth)
+{
+    const auto [width, height, newWidth, newHeight] = sizes;
+    std::vector<Line> columns(static_cast<std::size_t>(newWidth));
+    for (int y = 0; y < height; ++y) {
+        const auto row = source.begin() + std::ptrdiff_t{y} * lineWidth;
+        const Line sums = SumsByDefinition(Line(row, row + width), newWidth);
+        for (std::size_t x = 0; x < sums.size(); ++x)
+            columns[x].push_back(sums[x]);
+    }
+    const float area = Rounded(Quotient(width, newWidth) * Quotient(height, newHeight));
+    Bytes result(SizeProduct(newWidth, newHeight));
+    for (std::size_t x = 0; x < columns.size(); ++x) {
+        const Line sums = SumsByDefinition(columns[x], newHeight);
+        for (std::size_t y = 0; y < sums.size(); ++y)
+            result[y * columns.size() + x] = static_cast<unsigned char>(Rounded(sums[y] / area));
+    }
+    return result;
+}
+
+/// Fields for 3 pixels of one component that become 2.
+struct StageTest : testing::Test
+{
+    StageTest()
+    {
+        mFilter.mSource = mSource;
+        mFilter.mResultVectorX = mSums;
+        mFilter.mResultVectorY = mResult;
+        mFilter.mSrcWidth = 3;
+        mFilter.mSrcLineWidth = 3;
+        mFilter.mSrcHeight = 1;
+        mFilter.mDstWidth = 2;
+        mFilter.mDstHeight = 1;
+        mFilter.mComponents = 1;
+        mFilter.mScaleX = 1.5F;
+        mFilter.mScaleY = 1;
+    }
+
+    unsigned char mSource[3] = {0, 100, 200};
+    float mSums[4] = {};
+    unsigned char mResult[2] = {};
+    ByteFilter mFilter;
+};
+
+}  // namespace
+
 TEST(CFilterBilinearFloat, EqualsTheDefinition)
 {
-    static int calls = 0;
     // Running sums drift by whole columns and rows over the long sides.
-    for (const Sizes& sizes : WithRandomSizes({{60000, 1, 29989, 1},
-                                               {1, 60000, 1, 29989},
-                                               {3739, 1, 10254, 1},
-                                               {6492, 1, 16733, 1},
-                                               {1, 6492, 1, 16733}})) {
+    const std::vector<Sizes> longSides = {{60000, 1, 29989, 1},
+                                          {1, 60000, 1, 29989},
+                                          {3739, 1, 10254, 1},
+                                          {6492, 1, 16733, 1},
+                                          {1, 6492, 1, 16733}};
+    for (const Sizes& sizes : WithRandomSizes(longSides)) {
+        SCOPED_TRACE(testing::PrintToString(sizes));
         const auto [width, height, newWidth, newHeight] = sizes;
         const int lineWidth = width + height % 3;
         Bytes source = Noise(lineWidth * height);
-        CFilterBilinearFloat<unsigned char, float> filter;
+        ByteFilter filter;
         const std::unique_ptr<unsigned char[]> result(filter.DownScale(
-            source.data(), width, height, newWidth, newHeight, 1, lineWidth, [] { ++calls; }));
-        EXPECT_TRUE(!filter.mResultVectorX && !filter.mResultVectorY);
-        std::vector<Line> columns(static_cast<std::size_t>(newWidth));
-        for (auto row = source.begin(); row != source.end(); row += lineWidth) {
-            const Line sums = SlowSums(Line(row, row + width), newWidth);
-            for (std::size_t x = 0; x < sums.size(); ++x)
-                columns[x].push_back(sums[x]);
-        }
-        const auto rows = static_cast<std::size_t>(newHeight);
-        for (std::size_t i = 0, x = 0; x < columns.size(); ++x)
-            for (const float sum : SlowSums(columns[x], newHeight))
-                ASSERT_EQ(result[i++ % rows * columns.size() + x],
-                          static_cast<int>(Rounded(sum / Rounded(filter.mScaleX * filter.mScaleY))))
-                    << testing::PrintToString(sizes);
+            source.data(), width, height, newWidth, newHeight, 1, lineWidth, nullptr));
+        const Bytes pixels(result.get(), result.get() + SizeProduct(newWidth, newHeight));
+        const Bytes expected = ScaledByDefinition(source, sizes, lineWidth);
+        ASSERT_THAT(pixels, testing::Pointwise(testing::Eq(), expected));
     }
-    EXPECT_EQ(calls, 2 * 305);
+}
+
+TEST(CFilterBilinearFloat, CallsProgressTwiceForEachComponent)
+{
+    static int calls = 0;
+    Bytes source(12);
+    ByteFilter filter;
+    const std::unique_ptr<unsigned char[]> result(
+        filter.DownScale(source.data(), 2, 2, 1, 1, 3, 2, [] { ++calls; }));
+    EXPECT_EQ(calls, 6);
+    EXPECT_EQ(filter.mResultVectorX, nullptr);
+    EXPECT_EQ(filter.mResultVectorY, nullptr);
 }
 
 TEST(CFilterBilinearFloat, RefusesWhatHasNoResultOrNoRoom)
 {
-    const std::string x = "***** insufficent memory in DownScale mResultVectorX=NULL\n";
-    const std::string y = "***** insufficent memory in DownScale mResultVectorY=NULL\n";
-    const std::tuple<Sizes, int, std::string> rows[] = {
-        {{0, 1, 1, 1}, 1, ""}, {{1, 0, 1, 1}, 1, ""}, {{1, 1, 0, 1}, 1, ""},
-        {{1, 1, 1, 0}, 1, ""}, {{1, 1, 1, 1}, 0, ""}, {{1, INT_MAX, INT_MAX, INT_MAX}, 3, x + y}};
-    CFilterBilinearFloat<short, float> filter;
-    for (const auto& [sizes, components, words] : rows) {
-        const auto scale = [&, &s = sizes, &count = components] {
-            EXPECT_FALSE(filter.DownScale(nullptr, s[0], s[1], s[2], s[3], count, 1, nullptr));
-        };
-        EXPECT_EQ(OutputOf(scale), words);
+    const struct
+    {
+        const char* mName;
+        Sizes mSizes;
+        int mComponents;
+        const char* mOutput;
+    } rows[] = {
+        {"no columns", {0, 1, 1, 1}, 1, ""},
+        {"no rows", {1, 0, 1, 1}, 1, ""},
+        {"target width 0", {1, 1, 0, 1}, 1, ""},
+        {"target height 0", {1, 1, 1, 0}, 1, ""},
+        {"no components", {1, 1, 1, 1}, 0, ""},
+        {"no room",
+         {1, INT_MAX, INT_MAX, INT_MAX},
+         3,
+         "***** insufficent memory in DownScale mResultVectorX=NULL\n"
+         "***** insufficent memory in DownScale mResultVectorY=NULL\n"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.mName);
+        CFilterBilinearFloat<short, float> filter;
+        std::unique_ptr<short[]> result;
+        const std::string output = OutputOf([&] {
+            const auto [width, height, newWidth, newHeight] = row.mSizes;
+            result.reset(filter.DownScale(nullptr, width, height, newWidth, newHeight,
+                                          row.mComponents, 1, nullptr));
+        });
+        EXPECT_EQ(result, nullptr);
+        EXPECT_EQ(output, row.mOutput);
     }
 }
 
-TEST(CFilterBilinearFloat, StagesRunOnFieldsFilledByHand)
+TEST_F(StageTest, RunsOnFieldsFilledByHand)
 {
-    unsigned char source[] = {0, 100, 200}, result[2];
-    float sums[4];
-    CFilterBilinearFloat<unsigned char, float> filter;
-    filter.mSource = source;
-    filter.mResultVectorX = sums;
-    filter.mResultVectorY = result;
-    filter.mSrcWidth = filter.mSrcLineWidth = 3;
-    filter.mSrcHeight = filter.mDstHeight = filter.mComponents = 1;
-    filter.mDstWidth = 2;
-    filter.mScaleX = 1.5F;
-    filter.mScaleY = 1;
-    filter.BilinearStageX(0);
-    filter.BilinearStageY(0);
-    EXPECT_EQ(Bytes(result, result + 2), Bytes({33, 166}));
-    filter.mScaleX = 0x1p31F;  // positions that no int holds end at the last column
-    filter.BilinearStageX(0);
-    EXPECT_EQ(Line(sums, sums + 2), Line({300 + 200, 200 - 0x1p31F * 200 + 200}));
+    mFilter.BilinearStageX(0);
+    mFilter.BilinearStageY(0);
+    EXPECT_THAT(mResult, ElementsAre(33, 166));
+}
+
+TEST_F(StageTest, PositionsThatNoIntHoldsEndAtTheLastColumn)
+{
+    mFilter.mScaleX = 0x1p31F;
+    mFilter.BilinearStageX(0);
+    EXPECT_THAT(Line(mSums, mSums + 2), ElementsAre(300 + 200, 200 - 0x1p31F * 200 + 200));
 }

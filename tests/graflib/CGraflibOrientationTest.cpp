@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include "tests/support/TestSupport.h"
 
 using testing::ElementsAreArray;

@@ -3,133 +3,284 @@
 #include <unistd.h>
 
 #include <climits>
-#include <cmath>
+#include <functional>
 #include <new>
 
-#include "tests/support/TestSupport.h"
+#include "tests/jpeg/JpegTestSupport.h"
 
-using CGraflibJpegTest = FolderTest;
+using testing::HasSubstr;
 
-/// The pixels of a picture, decoded with libjpeg's defaults.
-static Bytes DecodeJpeg(const std::string& jpeg)
+struct CGraflibJpegTest : FolderTest
 {
-    jpeg_error_mgr errors{};
-    jpeg_decompress_struct codec{};
-    codec.err = jpeg_std_error(&errors);
-    jpeg_create_decompress(&codec);
-    jpeg_mem_src(&codec, reinterpret_cast<const unsigned char*>(jpeg.data()), jpeg.size());
-    jpeg_read_header(&codec, TRUE);
-    jpeg_start_decompress(&codec);
-    const auto rowBytes = codec.output_width * static_cast<JDIMENSION>(codec.output_components);
-    Bytes pixels(std::size_t{rowBytes} * codec.output_height);
-    for (auto* row = pixels.data(); codec.output_scanline < codec.output_height; row += rowBytes)
-        jpeg_read_scanlines(&codec, &row, 1);
-    jpeg_destroy_decompress(&codec);
-    return pixels;
+    /// Writes the sample's colours line by line, behind what is there or instead of it.
+    void WriteLines(TestImage& image, const SSample& sample)
+    {
+        std::tie(image.mWidth, image.mHeight, image.mBits) = sample.mShape;
+        image.OpenWriteLine(mPath);
+        Bytes rgb = sample.mRgb;
+        for (int y = 0; y < SSample::kHeight; ++y)
+            EXPECT_EQ(image.WriteLine(&rgb[static_cast<std::size_t>(y * SSample::kWidth * 3)]), 1);
+        image.CloseWriteLine();
+    }
+    /// Calls `write`, which changes the file or throws with `info`.
+    template <typename Call>
+    void ExpectWrites(Call write, bool taken, const std::string& info)
+    {
+        WriteAll(mFile, "as it was");
+        EXPECT_EQ(OutputOf(write), taken ? "" : "Errors: 2 " + info);
+        EXPECT_EQ(ReadAll(mFile) != "as it was", taken) << "whether the file is changed";
+    }
+    static std::string Encoded(const SSample& sample, int quality = 80)
+    {
+        return EncodeJpeg(SSample::kWidth, SSample::kHeight, 3, sample.mRgb, quality);
+    }
+};
+
+TEST_F(CGraflibJpegTest, ReadAndGetSizeFindThePictureAtTheOffset)
+{
+    for (const auto& [name, components] : kKinds) {
+        SCOPED_TRACE(name);
+        const SSample sample(components);
+        WriteAll(mFile, "front" + sample.mFile);
+        TestImage header;
+        header.mLeastSide = 1;  // has no say in the size of a file
+        EXPECT_TRUE(header.GetSize(mPath, 5, 0));
+        EXPECT_EQ(header.GetShape(), sample.mShape);
+        TestImage image;
+        SFileReadInfo info{0, 5, 0};
+        EXPECT_TRUE(image.Read(mPath, &info));
+        EXPECT_EQ(image.GetShape(), sample.mShape);
+        EXPECT_TRUE(AreSame(image.Pixels(), sample.mPixels));
+    }
 }
 
-TEST_F(CGraflibJpegTest, EveryDepthIsReadAndWrittenAsColour)
+TEST_F(CGraflibJpegTest, ReadLineGivesEachRowOnce)
 {
-    const std::string source = mFolder / "source.jpg";
-    SFileReadInfo info{0, 5, 0};
-    for (const std::size_t components : {1U, 3U, 4U}) {
-        const Shape shape(33, 21, static_cast<int>(components) * 8);
-        const std::string file = SampleJpeg(33, 21, static_cast<int>(components));
-        const Bytes pixels = DecodeJpeg(file);
-        Bytes rgb;
-        for (std::size_t i = 0; i < 33 * 21 * 3; ++i) {
-            const unsigned char* pixel = pixels.data() + i / 3 * components;
-            const double alpha = components == 4 ? pixel[3] / 255.0 : 1.0;
-            rgb.push_back(
-                static_cast<unsigned char>(std::lround(pixel[i % 3 % components] * alpha)));
+    for (const auto& [name, components] : kKinds) {
+        const SSample sample(components);
+        WriteAll(mFile, sample.mFile);
+        TestImage image;
+        EXPECT_TRUE(image.OpenReadLine(mPath));
+        EXPECT_EQ(image.GetShape(), sample.mShape) << name;
+        Bytes row(image.RowBytes());
+        for (int y = 0; y < SSample::kHeight; ++y) {
+            EXPECT_TRUE(image.ReadLine(row.data())) << name << ", row " << y;
+            EXPECT_TRUE(AreSame(row, sample.Row(y))) << name << ", row " << y;
         }
-        const std::string expected = EncodeJpeg(33, 21, 3, rgb, 30);
-        TestImage image, in, out;
-        WriteAll(source, file);
-        WriteAll(mFile, "front" + file);
-        EXPECT_TRUE(in.GetSize(mPath, 5, 0) && in.GetShape() == shape);
-        EXPECT_TRUE(image.Read(mPath, &info) && image.GetShape() == shape);
-        EXPECT_EQ(image.Pixels(), pixels);
-        image.SetAppendMode(true);  // has no say in Write
-        image.mQuality = out.mQuality = 30;
-        EXPECT_TRUE(image.Write(mPath, true, nullptr) && ReadAll(mFile) == expected);
-        out.SetAppendMode(true);
-        std::string all = expected;
-        for (int copy = 0; copy < 2; ++copy) {
-            EXPECT_TRUE(in.OpenReadLine(source.c_str()) && in.GetShape() == shape);
-            static_cast<CDataRect&>(out) = in;
-            EXPECT_TRUE(out.OpenWriteLine(mPath));
-            out.GetSize("/no/x", 0, 0);  // has no say in what is open
-            for (std::size_t y = 0; y < 21; ++y) {
-                EXPECT_TRUE(in.ReadLine(image.mData) && out.WriteLine(&rgb[y * 33 * 3]) == 1);
-                EXPECT_TRUE(std::equal(image.mData, image.mData + 33 * components,
-                                       &pixels[y * 33 * components]));
-            }
-            EXPECT_FALSE(in.ReadLine(image.mData));
-            in.CloseReadLine();
-            out.CloseWriteLine();
-            EXPECT_EQ(out.WriteLine(rgb.data()), 0);
-            EXPECT_TRUE(ReadAll(mFile) == all.append(expected)) << components;
-        }
-        EXPECT_TRUE(out.OpenReadLine(source.c_str()) && out.OpenWriteLine(mPath));
-        EXPECT_LT(fs::file_size(mFile), expected.size());  // the mode was that of the writer before
+        EXPECT_FALSE(image.ReadLine(row.data())) << name;
+        image.CloseReadLine();
     }
+}
+
+TEST_F(CGraflibJpegTest, AReaderMayCloseEarlyAndOpenAgain)
+{
+    WriteAll(mFile, SampleJpeg(9, 9));
+    TestImage image;
+    unsigned char row[27];
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_TRUE(image.OpenReadLine(mPath));
+        EXPECT_TRUE(image.ReadLine(row));
+        const std::string output = OutputOf([&] { image.CloseReadLine(); });
+        EXPECT_EQ(output, "");
+        EXPECT_FALSE(image.ReadLine(row));
+    }
+    image.OpenReadLine(mPath);  // left open: the image's end is its end
 }
 
 TEST_F(CGraflibJpegTest, FailedReadsThrowAndLeaveAnEmptyRecord)
 {
-    unsigned char line[27];
-    TestImage whole, lines;
-    for (const char* message : {"", "Not a JPEG file: starts with 0x6e 0x6f\n"}) {
-        const std::string error = std::string("Errors: ") + message + "1 " + mFile;
-        TestImage size;
-        for (TestImage* image : {&whole, &lines, &size})
-            image->mWidth = image->mHeight = image->mBits = 24;  // left over
-        EXPECT_EQ(OutputOf([&] { whole.Read(mPath, nullptr); }), error);
-        EXPECT_EQ(OutputOf([&] { whole.Show(nullptr); }), "Width=0 Height=0 mBits=0 Data = NULL\n");
-        EXPECT_EQ(OutputOf([&] { lines.OpenReadLine(mPath); }), error);
-        OutputOf([&] { EXPECT_FALSE(size.GetSize(mPath, 0, 0)); });
-        EXPECT_FALSE(lines.ReadLine(line));
-        EXPECT_TRUE(lines.GetShape() == Shape() && size.GetShape() == Shape());
-        WriteAll(mFile, "not a picture");
+    WriteAll(mFile, "not a picture");
+    const std::string message = "Errors: Not a JPEG file: starts with 0x6e 0x6f\n1 " + mFile;
+    SFileReadInfo unreachable{0, -1, 0};
+    TestImage image;
+    unsigned char row[27];
+    const struct
+    {
+        const char* mName;
+        std::function<void()> mRead;
+        std::string mOutput;
+    } rows[] = {{"no file", [&] { image.Read("/no/x", nullptr); }, "Errors: 1 /no/x"},
+                {"no file, by lines", [&] { image.OpenReadLine("/no/x"); }, "Errors: 1 /no/x"},
+                {"no file, size", [&] { EXPECT_FALSE(image.GetSize("/no/x", 0, 0)); }, ""},
+                {"no picture", [&] { image.Read(mPath, nullptr); }, message},
+                {"no picture, by lines", [&] { image.OpenReadLine(mPath); }, message},
+                {"no such place", [&] { image.Read(mPath, &unreachable); }, "Errors: 1 " + mFile},
+                {"no such place, size", [&] { EXPECT_FALSE(image.GetSize(mPath, -1, 0)); }, ""}};
+    for (const auto& way : rows) {
+        SCOPED_TRACE(way.mName);
+        image.mWidth = image.mHeight = image.mBits = 24;  // left over
+        EXPECT_EQ(OutputOf(way.mRead), way.mOutput);
+        EXPECT_EQ(image.GetShape(), Shape());
+        EXPECT_EQ(image.mData, nullptr);
+        EXPECT_FALSE(image.ReadLine(row));
     }
-    WriteAll(mFile, SampleJpeg(9, 9));
-    SFileReadInfo info{0, -1, 0};
-    EXPECT_EQ(OutputOf([&] { whole.Read(mPath, &info); }), "Errors: 1 " + mFile);
-    // A reader closed early is neither an error nor in the way of the next.
-    for (int i = 0; i < 2; ++i) {
-        EXPECT_TRUE(lines.OpenReadLine(mPath) && lines.ReadLine(line));
-        EXPECT_EQ(OutputOf([&] { lines.CloseReadLine(); }), "");
-        EXPECT_FALSE(lines.ReadLine(line));
+}
+
+TEST_F(CGraflibJpegTest, WriteBringsEveryDepthToColour)
+{
+    for (const auto& [name, components] : kKinds) {
+        const SSample sample(components);
+        TestImage image(sample.mShape, sample.mPixels);
+        image.mQuality = 30;
+        image.SetAppendMode(true);  // has no say in Write
+        WriteAll(mFile, "front");
+        EXPECT_TRUE(image.Write(mPath, true, nullptr));
+        EXPECT_TRUE(AreSame(ReadAll(mFile), Encoded(sample, 30))) << name;
     }
-    lines.OpenReadLine(mPath);  // left open: the image's end is its end
+}
+
+TEST_F(CGraflibJpegTest, WriteToAStreamLeavesItOpenBehindThePicture)
+{
+    const SSample sample(4);
+    const std::string picture = Encoded(sample);
+    TestImage image(sample.mShape, sample.mPixels);
+    std::FILE* stream = std::fopen(mPath, "wb");
+    std::fputs("front", stream);
+    EXPECT_TRUE(image.Write(stream));
+    std::fputs("end", stream);
+    std::fclose(stream);
+    EXPECT_TRUE(AreSame(ReadAll(mFile), "front" + picture + "end"));
+}
+
+TEST_F(CGraflibJpegTest, LinesReplaceTheFileOrAreAppended)
+{
+    const SSample sample(1);
+    const std::string once = Encoded(sample);
+    WriteAll(mFile, "front");
+    TestImage image;
+    WriteLines(image, sample);
+    EXPECT_TRUE(AreSame(ReadAll(mFile), once));
+    EXPECT_EQ(image.WriteLine(image.mData), 0) << "something is still open";
+    image.SetAppendMode(true);
+    WriteLines(image, sample);
+    WriteLines(image, sample);
+    EXPECT_TRUE(AreSame(ReadAll(mFile), once + once + once));
+}
+
+TEST_F(CGraflibJpegTest, OpeningAReadForgetsTheAppendMode)
+{
+    const SSample sample(1);
+    WriteAll(mFile, sample.mFile);
+    TestImage image;
+    image.SetAppendMode(true);
+    image.OpenReadLine(mPath);
+    WriteLines(image, sample);
+    EXPECT_TRUE(AreSame(ReadAll(mFile), Encoded(sample)));
 }
 
 TEST_F(CGraflibJpegTest, WritesRefuseBeforeTheyTouchTheFile)
 {
-    // Which are written whole, and which line by line.
-    const std::tuple<Shape, bool, bool> rows[] = {
-        {{1, 1, 0}, false, true},     {{1, 1, 16}, false, true},     {{1, 1, 40}, false, true},
-        {{0, 1, 24}, false, false},   {{1, 0, 24}, false, false},    {{-1, 1, 24}, false, false},
-        {{1, -1, 8}, false, false},   {{32767, 1, 8}, true, true},   {{1, 32767, 8}, true, true},
-        {{32768, 1, 8}, false, true}, {{1, 32768, 8}, false, true},  {{65500, 1, 8}, false, true},
-        {{1, 65500, 8}, false, true}, {{65501, 1, 8}, false, false}, {{1, 65501, 8}, false, false}};
-    const std::string error = "Errors: 2 " + mFile;
-    TestImage empty({1, 1, 24});
-    for (const auto& [shape, whole, lines] : rows) {
-        TestImage image(shape, Bytes(70000));
-        WriteAll(mFile, "as it was");
-        EXPECT_EQ(image.CanWrite(), whole);
-        EXPECT_EQ(OutputOf([&] { image.Write(mPath, true, nullptr); }), whole ? "" : error);
-        EXPECT_EQ(ReadAll(mFile) == "as it was", !whole);
-        WriteAll(mFile, "as it was");
-        EXPECT_EQ(OutputOf([&] { image.OpenWriteLine(mPath); }), lines ? "" : error);
-        EXPECT_EQ(ReadAll(mFile) == "as it was", !lines) << testing::PrintToString(shape);
+    const struct
+    {
+        Shape mShape;
+        bool mWhole;
+        bool mLines;
+    } rows[] = {
+        {{1, 1, 0}, false, true},      {{1, 1, 16}, false, true},    {{1, 1, 40}, false, true},
+        {{0, 1, 24}, false, false},    {{1, 0, 24}, false, false},   {{32767, 1, 8}, true, true},
+        {{1, 32767, 8}, true, true},   {{32768, 1, 8}, false, true}, {{1, 32768, 8}, false, true},
+        {{65500, 1, 8}, false, true},  {{1, 65500, 8}, false, true}, {{65501, 1, 8}, false, false},
+        {{1, 65501, 8}, false, false}, {{-1, 1, 24}, false, false}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE("width, height, bits: " + testing::PrintToString(row.mShape));
+        TestImage image(row.mShape, Bytes(70000));
+        EXPECT_EQ(image.CanWrite(), row.mWhole);
+        ExpectWrites([&] { image.Write(mPath, true, nullptr); }, row.mWhole, mFile);
+        ExpectWrites([&] { image.OpenWriteLine(mPath); }, row.mLines, mFile);
+        std::FILE* stream = std::fopen(mPath, "ab");
+        ExpectWrites([&] { image.Write(stream); }, row.mWhole, "");
+        std::fclose(stream);
     }
-    WriteAll(mFile, "as it was");
-    EXPECT_EQ(OutputOf([&] { empty.Write(mPath, true, nullptr); }), error);
-    EXPECT_EQ(ReadAll(mFile), "as it was");
-    EXPECT_EQ(OutputOf([&] { empty.OpenWriteLine("/no/x"); }), "Errors: 2 /no/x");
+    TestImage empty({1, 1, 24});
+    ExpectWrites([&] { empty.Write(mPath, true, nullptr); }, false, mFile);
+}
+
+TEST_F(CGraflibJpegTest, WritesThrowWhereNoFileCanBeMade)
+{
+    TestImage image({1, 1, 24}, Bytes(3));
+    EXPECT_EQ(OutputOf([&] { image.Write("/no/x", true, nullptr); }), "Errors: 2 /no/x");
+    EXPECT_EQ(OutputOf([&] { image.OpenWriteLine("/no/x"); }), "Errors: 2 /no/x");
+}
+
+TEST_F(CGraflibJpegTest, WarningsTellACutPictureFromAWholeOne)
+{
+    const std::string whole = SampleJpeg(64, 64);
+    const std::string progressive = EncodeJpeg(64, 64, 3, Noise(64 * 64 * 3), 80, Progressive);
+    const struct
+    {
+        const char* mName;
+        std::string mContent;
+        long mLeast;
+        long mMost;
+    } rows[] = {{"whole", whole, 0, 0},
+                {"without its end", whole.substr(0, whole.size() - 2), 1, 1},
+                {"half of it", whole.substr(0, whole.size() / 2), 1, 9},
+                {"half of it, progressive", progressive.substr(0, progressive.size() / 2), 1, 9},
+                {"whole again", whole, 0, 0}};
+    TestImage lines;
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.mName);
+        WriteAll(mFile, row.mContent);
+        TestImage image;
+        Bytes pixels(64 * 3);
+        OutputOf([&] {
+            image.Read(mPath, nullptr);
+            lines.OpenReadLine(mPath);
+            while (lines.ReadLine(pixels.data())) {
+            }
+            lines.CloseReadLine();
+        });
+        EXPECT_GE(image.mWarnings, row.mLeast);
+        EXPECT_LE(image.mWarnings, row.mMost);
+        EXPECT_EQ(lines.mWarnings, image.mWarnings) << "read by lines, and whole";
+        OutputOf([&] {
+            lines.OpenReadLine(mPath);
+            lines.ScaleWhileReading(mPath, 8, 8);
+        });
+        EXPECT_EQ(lines.mWarnings, image.mWarnings) << "scaled while read, and whole";
+    }
+}
+
+TEST_F(CGraflibJpegTest, AReadThatFailsHasTheWarningsUpToThen)
+{
+    WriteAll(mFile, SampleJpeg(64, 64).substr(0, 2000));
+    TestImage image;
+    OutputOf([&] { image.Read(mPath, nullptr); });
+    EXPECT_GT(image.mWarnings, 0);
+    OutputOf([&] { image.Read("/no/x", nullptr); });
+    EXPECT_EQ(image.mWarnings, 0);
+}
+
+TEST_F(CGraflibJpegTest, PicturesAreReducedToTheLeastSide)
+{
+    const struct
+    {
+        int mWidth;
+        int mHeight;
+        int mLeastSide;
+        Shape mReduced;
+    } rows[] = {{80, 16, 0, {80, 16, 24}}, {80, 16, 1, {10, 2, 24}},   {80, 16, 10, {10, 2, 24}},
+                {80, 16, 11, {20, 4, 24}}, {80, 16, 20, {20, 4, 24}},  {80, 16, 21, {40, 8, 24}},
+                {80, 16, 40, {40, 8, 24}}, {80, 16, 41, {80, 16, 24}}, {80, 16, -1, {80, 16, 24}},
+                {16, 80, 11, {4, 20, 24}}, {79, 17, 10, {10, 3, 24}},  {81, 1, 11, {11, 1, 24}}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE("width, height, least side: " +
+                     testing::PrintToString(std::tuple(row.mWidth, row.mHeight, row.mLeastSide)));
+        WriteAll(mFile, SampleJpeg(row.mWidth, row.mHeight));
+        TestImage whole;
+        whole.mLeastSide = row.mLeastSide;
+        whole.Read(mPath, nullptr);
+        EXPECT_EQ(whole.GetShape(), row.mReduced);
+        TestImage lines;
+        lines.mLeastSide = row.mLeastSide;
+        lines.OpenReadLine(mPath);
+        EXPECT_EQ(lines.GetShape(), row.mReduced);
+        Bytes pixels(whole.Pixels().size());
+        auto* to = pixels.data();
+        while (lines.ReadLine(to))
+            to += lines.RowBytes();
+        EXPECT_TRUE(AreSame(pixels, whole.Pixels()));
+    }
 }
 
 /// What a call writes to standard output and standard error, in the order of writing.
@@ -151,50 +302,68 @@ static std::string OneStreamOf(Call call)
     return testing::internal::GetCapturedStdout();
 }
 
-TEST_F(CGraflibJpegTest, ScalesWhileReading)
+/// A picture that is cut short, so that libjpeg has a warning to give while it finishes. libjpeg
+/// takes five components only without the fifth's scans.
+static std::string CutJpeg(int width, int height, int components)
 {
-    // Reduced, enlarged, until footprints vanish, refused, and too large for any memory; whole and
-    // cut short, so that libjpeg has a warning to give while it finishes.
-    const Sizes sizes[] = {{33, 47, 7, 11},          {33, 47, 33, 47},  {50, 3, 49, 2},
-                           {40, 200, 1, 1},          {9, 300, 40, 50},  {31, 64, 8, 16},
-                           {2, 1, 9, 700},           {2, 3, 1001, 200}, {9, 9, 0, 5},
-                           {9, 9, INT_MAX, INT_MAX}, {3, 700, 2, 2}};
+    const std::string file = SampleJpeg(width, height, components);
+    const std::size_t fifth = file.find(std::string("\xff\xda\0\x8\1\4", 6));
+    return file.substr(0, std::min(fifth, file.size() - 1));
+}
+
+TEST_F(CGraflibJpegTest, ScalesWhileReadingToTheSamePixelsAndWords)
+{
+    const struct
+    {
+        const char* mName;
+        Sizes mSizes;
+    } rows[] = {{"reduced", {33, 47, 7, 11}},
+                {"to a pixel, of all rows", {40, 200, 1, 1}},
+                {"until footprints vanish", {2, 1, 9, 700}},
+                {"enlarged", {2, 3, 1001, 200}},
+                {"to nothing", {9, 9, 0, 5}},
+                {"too large for any memory", {9, 9, INT_MAX, INT_MAX}}};
     const std::string other = mFolder / "other.jpg";
     WriteAll(other, SampleJpeg(64, 64, 4));
-    for (const auto& [fromWidth, fromHeight, width, height] : sizes) {
+    for (const auto& row : rows) {
+        const auto [fromWidth, fromHeight, width, height] = row.mSizes;
         for (const int components : {1, 3, 4, 5}) {
             if (components == 1 && width == INT_MAX)
                 continue;  // an array could be as large as that
-            // libjpeg takes five components only without the fifth's scans.
-            const std::string file = SampleJpeg(fromWidth, fromHeight, components);
-            const std::size_t fifth = file.find(std::string("\xff\xda\0\x8\1\4", 6));
-            WriteAll(mFile, file.substr(0, std::min(fifth, file.size() - 1)));
-            TestImage whole, lines;
-            const auto plain = [&, &w = width, &h = height] {
+            SCOPED_TRACE(testing::Message() << row.mName << ", components: " << components);
+            WriteAll(mFile, CutJpeg(fromWidth, fromHeight, components));
+            TestImage whole;
+            const std::string expected = OneStreamOf([&, &w = width, &h = height] {
                 whole.Read(mPath, nullptr);
                 whole.Show(mPath);
                 whole.DownScaleFix2(w, h);
-            };
-            const auto byLines = [&, &w = width, &h = height] {
+            });
+            TestImage lines;
+            const std::string found = OneStreamOf([&, &w = width, &h = height] {
                 lines.OpenReadLine(mPath);
-                EXPECT_TRUE(lines.GetSize(other.c_str(), 0, 0));
+                lines.GetSize(other.c_str(), 0, 0);  // has no say in what is open
                 lines.ScaleWhileReading(mPath, w, h);
-            };
-            const std::string expected = OneStreamOf(plain);
-            EXPECT_EQ(OneStreamOf(byLines), expected);
-            EXPECT_NE(expected.find("JPEG file"), std::string::npos) << expected;
+            });
+            EXPECT_EQ(found, expected);
+            EXPECT_THAT(expected, HasSubstr("JPEG file"));
             if (expected.find("sizeof") == std::string::npos) {
                 EXPECT_EQ(lines.mData, nullptr);
                 continue;
             }
             EXPECT_EQ(lines.GetShape(), whole.GetShape());
-            EXPECT_TRUE(lines.Pixels() == whole.Pixels()) << width << ' ' << height;
+            EXPECT_TRUE(AreSame(lines.Pixels(), whole.Pixels()));
         }
     }
-    // A picture of which not all rows are left.
-    unsigned char row[64 * 4];
+}
+
+TEST_F(CGraflibJpegTest, ScalingThrowsWhereRowsAreMissing)
+{
+    WriteAll(mFile, SampleJpeg(64, 64));
+    unsigned char row[64 * 3];
     TestImage image;
-    EXPECT_TRUE(image.OpenReadLine(other.c_str()) && image.ReadLine(row));
-    EXPECT_EQ(OutputOf([&] { image.ScaleWhileReading(mPath, 8, 8); }), "Errors: 1 " + mFile);
+    image.OpenReadLine(mPath);
+    image.ReadLine(row);  // which the scaler will miss
+    const std::string output = OutputOf([&] { image.ScaleWhileReading("name", 8, 8); });
+    EXPECT_EQ(output, "Errors: 1 name");
     EXPECT_EQ(image.mData, nullptr);
 }

@@ -2,6 +2,7 @@
 #define TESSEL_TESTS_SUPPORT_ENCODEJPEG_H
 
 // JPEG files of every kind, by libjpeg alone: for seeds and tests.
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -14,6 +15,27 @@
 inline void Progressive(jpeg_compress_struct& codec)
 {
     jpeg_simple_progression(&codec);
+}
+
+inline void Arithmetic(jpeg_compress_struct& codec)
+{
+    codec.arith_code = TRUE;
+}
+
+/// The marker that holds a part of a colour profile, as a file has it.
+inline std::string ProfilePart(int number, int count, const std::string& bytes)
+{
+    const std::string content = std::string("ICC_PROFILE") + '\0' + static_cast<char>(number) +
+                                static_cast<char>(count) + bytes;
+    const std::size_t length = content.size() + 2;
+    return std::string("\xff\xe2") + static_cast<char>(length >> 8) + static_cast<char>(length) +
+           content;
+}
+
+/// The file with markers behind its first, which every file begins with.
+inline std::string WithMarkers(const std::string& jpeg, const std::string& markers)
+{
+    return jpeg.substr(0, 2) + markers + jpeg.substr(2);
 }
 
 /// Encodes pixels of 1 (grey), 3 (RGB), 4 (CMYK) or other numbers of components with libjpeg's

@@ -2,7 +2,7 @@
 #define TESSEL_TESTS_SUPPORT_PIXELBYPIXEL_H
 
 // The fixed-point scaler pixel by pixel, as CGraflib::GetScaledPicturePixel defines it, however
-// slow: what tests, fuzz target and benchmark hold the fast one against.
+// slow. Tests and benchmark hold the fast one against it.
 #include "graflib/CGraflib.h"
 #include "graflib/FixedPointTypes.h"
 

@@ -2,6 +2,7 @@
 #define TESSEL_TESTS_SUPPORT_TESTSUPPORT_H
 
 // What the tests share: temporary folders, images with contents, encoded pictures, program runs.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -10,6 +11,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -22,14 +24,16 @@
 #include <utility>
 #include <vector>
 
-#include "tests/support/EncodeJpeg.h"
 #include "jpeg/CGraflibJpeg.h"
+#include "tests/support/EncodeJpeg.h"
 
 namespace fs = std::filesystem;
 using Bytes = std::vector<unsigned char>;
 using Names = std::vector<std::string>;
 using Shape = std::tuple<int, int, int>;  ///< width, height and bits of an image
 using Sizes = std::array<int, 4>;         ///< width and height before and after scaling
+
+// --- Contents ------------------------------------------------------------------------------------
 
 inline std::string ReadAll(const std::string& path)
 {
@@ -52,8 +56,18 @@ inline Bytes Noise(int count)
     return bytes;
 }
 
-/// An image that owns its pixels.
-struct TestImage final : CGraflibJpeg
+/// 16-bit samples in the machine's byte order.
+inline Bytes Shorts(const std::vector<short>& samples)
+{
+    Bytes bytes(samples.size() * sizeof(short));
+    std::memcpy(bytes.data(), samples.data(), bytes.size());
+    return bytes;
+}
+
+// --- Pictures ------------------------------------------------------------------------------------
+
+/// An image that owns its pixels. Without any, its buffer is null.
+struct TestImage : CGraflibJpeg
 {
     TestImage(const Shape& shape = {}, const ::Bytes& pixels = {})
     {
@@ -67,7 +81,7 @@ struct TestImage final : CGraflibJpeg
     ::Bytes Pixels() const { return {mData, mData + (mData ? Bytes() : 0)}; }
 };
 
-/// The sizes given, and many more.
+/// The sizes given, and 300 random ones.
 inline std::vector<Sizes> WithRandomSizes(std::vector<Sizes> sizes)
 {
     const Bytes noise = Noise(1200);
@@ -76,15 +90,18 @@ inline std::vector<Sizes> WithRandomSizes(std::vector<Sizes> sizes)
     return sizes;
 }
 
-/// A picture of noise.
+/// A picture of noise as a JPEG file.
 inline std::string SampleJpeg(int width, int height, int components = 3)
 {
     return EncodeJpeg(width, height, components, Noise(width * height * components), 80,
                       components > 4 ? Progressive : nullptr);
 }
 
-/// What a call writes to standard output and, marked, to standard error; an exception, too, is
-/// written there.
+// --- Calls and programs --------------------------------------------------------------------------
+
+/// What a call writes to standard output and, after the word "Errors: ", to standard error. When
+/// the call throws CGraflibException, the text of its code follows on standard output, and code and
+/// info on standard error.
 template <typename Call>
 std::string OutputOf(Call call)
 {
@@ -97,19 +114,25 @@ std::string OutputOf(Call call)
         std::cerr << e.mCode << ' ' << e.mInfo;
     }
     const std::string errors = testing::internal::GetCapturedStderr();
-    return testing::internal::GetCapturedStdout() + (errors.empty() ? "" : "Errors: " + errors);
+    const std::string output = testing::internal::GetCapturedStdout();
+    return errors.empty() ? output : output + "Errors: " + errors;
 }
 
-/// A test with a new folder, removed with all it holds, and the name of a file in it.
+/// Each test gets a new folder, which is removed with all it holds, and the name of a file in it.
 struct FolderTest : testing::Test
 {
     ~FolderTest() override { fs::remove_all(mFolder); }
-    /// What a program writes, run by a shell in the folder with nothing in its environment.
-    /// "failed" is behind it when the program says that it has.
+
+    /// What a program writes, run by a shell in the folder with nothing in its environment. A
+    /// program that fails adds the line "failed".
     std::string Run(const std::string& command) const
     {
         const std::string words = "cd " + mFolder.string() + " && env -i " + command;
-        return OutputOf([&] { EXPECT_EQ(std::system((words + " || echo failed").c_str()), 0); });
+        int status = -1;
+        const std::string output =
+            OutputOf([&] { status = std::system((words + " || echo failed").c_str()); });
+        EXPECT_EQ(status, 0) << words;
+        return output;
     }
 
     const fs::path mFolder = mkdtemp((fs::temp_directory_path() / "tessel-XXXXXX").string().data());

@@ -77,7 +77,7 @@ const SFileRow kFiles[] = {
      6},
     {"behind a colour profile", kStart + ManySegments(255) + ExifOrientation(6) + kScan, 6},
     {"behind any number of segments", kStart + ManySegments(9999) + ExifOrientation(6) + kScan, 1},
-    {"behind the picture", kStart + kScan + ExifOrientation(6), 1},
+    {"behind the start of the picture", kStart + Segment('\xda', "") + ExifOrientation(6), 1},
     {"in a file that is cut there", (kStart + ExifOrientation(6)).substr(0, 30), 1},
     {"a length below its own", kStart + "\xff\xe0\0\x01"s + ExifOrientation(6), 1},
 };
@@ -112,4 +112,7 @@ TEST_F(Orientation, IsNoneOfWhatIsNoOrdinaryFile)
     EXPECT_EQ(ReadOrientation(mFolder.c_str()), kUpright) << "a folder";
     ASSERT_EQ(mkfifo(mPath, 0600), 0);
     EXPECT_EQ(ReadOrientation(mPath), kUpright) << "a FIFO";  // or the test never ends
+    std::fstream writer(mFile);
+    writer << kStart << ExifOrientation(6) << std::flush;
+    EXPECT_EQ(ReadOrientation(mPath), kUpright) << "a FIFO with a picture in it";
 }

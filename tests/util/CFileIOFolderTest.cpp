@@ -1,0 +1,221 @@
+#include <dirent.h>
+#include <dlfcn.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+
+#include "tests/support/TestSupport.h"
+#include "util/CFileIO.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAreArray;
+
+namespace {
+
+int entriesToFailure = -1;  // never
+
+/// The text of a new array, which is released.
+std::string Take(char* text)
+{
+    const std::unique_ptr<char[]> owner(text);
+    return text;
+}
+
+}  // namespace
+
+/// Takes the place of the system's readdir, for a folder that fails midway as on a faulty disk.
+extern "C" dirent* readdir(DIR* folder)
+{
+    void* known = dlsym(RTLD_NEXT, "readdir64");  // where file offsets can have 32 bits, too
+    static const auto real =
+        reinterpret_cast<decltype(&readdir)>(known ? known : dlsym(RTLD_NEXT, "readdir"));
+    if (entriesToFailure-- != 0)
+        return real(folder);
+    errno = EIO;
+    return nullptr;
+}
+
+struct CFileIOFolderTest : FolderTest
+{
+    /// Makes empty files in the test's folder.
+    void MakeFiles(const Names& names) const
+    {
+        for (const std::string& name : names)
+            WriteAll(mFolder / name, "");
+    }
+};
+
+// --- Folders -------------------------------------------------------------------------------------
+
+TEST_F(CFileIOFolderTest, ResolveWildCardMatchesTheEndsOfNames)
+{
+    MakeFiles({"a.jpg", "B.JPG", ".jpg", "d.jpeg", "jpg", "e.jpg.bak", "xjpgx"});
+    fs::create_directory(mFolder / "f.Jpg");
+    const struct
+    {
+        const char* mPattern;
+        Names mMatches;
+    } rows[] = {
+        {"*.jpg", {".jpg", "B.JPG", "a.jpg", "f.Jpg"}},
+        {"JPG", {".jpg", "B.JPG", "a.jpg", "f.Jpg", "jpg"}},
+        {"*",
+         {".", "..", ".jpg", "B.JPG", "a.jpg", "d.jpeg", "e.jpg.bak", "f.Jpg", "jpg", "xjpgx"}},
+        {"**.jpg", {}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.mPattern);
+        Names names{"left over"};
+        const bool isListed = CFileIO::ResolveWildCard(mFolder.c_str(), row.mPattern, &names);
+        EXPECT_TRUE(isListed);
+        EXPECT_THAT(names, UnorderedElementsAreArray(row.mMatches));
+    }
+}
+
+TEST_F(CFileIOFolderTest, ResolveWildCardTakesElementsOfItsList)
+{
+    MakeFiles({"a.jpg", "b.bak"});
+    Names names{mFolder, "*.bak"};
+    CFileIO::ResolveWildCard(names[0].c_str(), names[1].c_str(), &names);
+    EXPECT_THAT(names, ElementsAre("b.bak"));
+}
+
+TEST_F(CFileIOFolderTest, ResolveWildCardRefusesFoldersThatCannotBeReadToTheEnd)
+{
+    MakeFiles({"a.jpg", "b.jpg"});
+    for (const char* folder : {"/no/where", mFolder.c_str()}) {
+        Names names{"left over"};
+        entriesToFailure = 3;
+        const bool isListed = CFileIO::ResolveWildCard(folder, "*", &names);
+        EXPECT_FALSE(isListed) << folder;
+        EXPECT_THAT(names, IsEmpty()) << folder;
+    }
+}
+
+TEST_F(CFileIOFolderTest, ResolveWildCardMakesAnArrayThatEndsInNull)
+{
+    MakeFiles({"a.jpg", "b.bak"});
+    int count = -1;
+    char** list = nullptr;
+    const std::string output =
+        OutputOf([&] { list = CFileIO::ResolveWildCard(mFolder.c_str(), "*.bak", &count); });
+    EXPECT_EQ(output, "CFileIO::ResolveWildCard Dir=" + mFolder.string() + " Wildcard=*.bak\n");
+    EXPECT_EQ(count, 1);
+    EXPECT_STREQ(list[0], "b.bak");
+    EXPECT_EQ(list[1], nullptr);
+    CFileIO::DeleteStringList(list);
+}
+
+TEST_F(CFileIOFolderTest, ResolveWildCardMakesNoArrayOfNothing)
+{
+    int count = -1;
+    char** list = nullptr;
+    OutputOf([&] { list = CFileIO::ResolveWildCard(mFolder.c_str(), "*.bak", &count); });
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(list, nullptr);
+    CFileIO::DeleteStringList(list);
+}
+
+TEST_F(CFileIOFolderTest, CreateDirMakesAFolderOfMode0775OrKeepsIt)
+{
+    const std::string path = mFolder / "made";
+    const mode_t mask = umask(0);
+    const bool first = CFileIO::CreateDir(path.c_str());
+    umask(mask);
+    const bool again = CFileIO::CreateDir(path.c_str());
+    EXPECT_TRUE(first);
+    EXPECT_TRUE(again);
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0775));
+}
+
+// --- Files ---------------------------------------------------------------------------------------
+
+TEST_F(CFileIOFolderTest, GetFileSizeIsTheLengthOrMinus1)
+{
+    WriteAll(mFile, "abc");
+    EXPECT_EQ(CFileIO::GetFileSize(mPath), 3);
+    fs::resize_file(mFile, 0);
+    EXPECT_EQ(CFileIO::GetFileSize(mPath), 0);
+    fs::resize_file(mFile, INT_MAX);
+    EXPECT_EQ(CFileIO::GetFileSize(mPath), INT_MAX);
+    fs::resize_file(mFile, std::uintmax_t{INT_MAX} + 1);
+    EXPECT_EQ(CFileIO::GetFileSize(mPath), -1);
+    EXPECT_EQ(CFileIO::GetFileSize("/no/where"), -1);
+}
+
+TEST_F(CFileIOFolderTest, FileExistsForWhatCanBeOpened)
+{
+    WriteAll(mFile, "");
+    EXPECT_TRUE(CFileIO::FileExists(mPath));
+    EXPECT_FALSE(CFileIO::FileExists("/no/where"));
+}
+
+// --- Names ---------------------------------------------------------------------------------------
+
+TEST(CFileIONames, PathsComeApartIntoFolderNameAndFormat)
+{
+    const struct
+    {
+        const char* mPath;
+        const char* mName;
+        const char* mFolder;
+        const char* mWithExtension;
+        int mFormat;
+    } rows[] = {
+        {"/a/b/c.jpg", "c.jpg", "/a/b/", "/a/b/c.x", 1},
+        {"x.tif", "x.tif", "x.tif", "x.x", 2},
+        {"x.y.pNg", "x.y.pNg", "x.y.pNg", "x.y.x", 3},
+        {"a\\b.tga", "b.tga", "a\\", "a\\b.x", 4},
+        {"a.raw", "a.raw", "a.raw", "a.x", 5},
+        {"a/b\\c.gif", "b\\c.gif", "a/b\\", "a/b\\c.x", 6},
+        {"a\\b/c", "c", "a\\", "a\\b/c.x", 0},
+        {"x.tiff", "x.tiff", "x.tiff", "x.x", 0},
+        {"a/", "", "a/", "a/.x", 0},
+        {".jpg", ".jpg", ".jpg", ".x", 0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.mPath);
+        EXPECT_EQ(Take(CFileIO::ExtractFilename(row.mPath)), row.mName);
+        EXPECT_EQ(Take(CFileIO::ExtractPath(row.mPath)), row.mFolder);
+        EXPECT_EQ(Take(CFileIO::ReplaceApp(row.mPath, ".x")), row.mWithExtension);
+        EXPECT_EQ(CFileIO::GuessFileFormat(row.mPath), row.mFormat);
+    }
+}
+
+TEST(CFileIONames, StrcmpxComparesWithoutLetterCase)
+{
+    EXPECT_TRUE(CFileIO::Strcmpx("aBc1", "AbC1"));
+    EXPECT_TRUE(CFileIO::Strcmpx("", ""));
+    EXPECT_FALSE(CFileIO::Strcmpx("abc", "abcd"));
+    EXPECT_FALSE(CFileIO::Strcmpx("abcd", "abc"));
+    EXPECT_FALSE(CFileIO::Strcmpx("[", "{"));
+    EXPECT_FALSE(CFileIO::Strcmpx("", nullptr));
+    EXPECT_FALSE(CFileIO::Strcmpx(nullptr, ""));
+    EXPECT_FALSE(CFileIO::Strcmpx(nullptr, nullptr));
+}
+
+// --- Numbers -------------------------------------------------------------------------------------
+
+TEST(CFileIONumbers, Fill0PutsZerosInFrontInsideTheBuffer)
+{
+    char buffer[13] = "<";
+    EXPECT_STREQ(CFileIO::Fill0(buffer + 1, 7, 3), "007");
+    EXPECT_STREQ(CFileIO::Fill0(buffer + 1, 1234, 3), "1234");
+    EXPECT_STREQ(CFileIO::Fill0(buffer + 1, INT_MIN, 0), "-2147483648");
+    EXPECT_EQ(buffer[0], '<');
+}
+
+TEST(CFileIONumbers, Fill0WithoutABufferStopsAt15Characters)
+{
+    EXPECT_STREQ(CFileIO::Fill0(-5, 4), "00-5");
+    EXPECT_STREQ(CFileIO::Fill0(INT_MIN, 1000), "0000-2147483648");
+}
+
+TEST(CFileIONumbers, GetIntReadsTheStartOfATextOrGives0)
+{
+    EXPECT_EQ(CFileIO::GetInt(" 42abc"), 42);
+    EXPECT_EQ(CFileIO::GetInt("abc"), 0);
+    EXPECT_EQ(CFileIO::GetInt(nullptr), 0);
+}
