@@ -33,8 +33,16 @@ TOLERANCE = 12
 # The names of which all this works, and nothing else; docs/names.md says why.
 NAMES = {
     "thumbnail link name": (
-        b"two words.jpg", b"it's.jpg", b"a>b.jpg", b"a&b.jpg", b"100%.jpg", b"12:30.jpg",
-        b"a b:c.jpg", b"a;b+c=d,e!f(g)[h]{i}~$@^`|*.jpg", "ä.jpg".encode()),
+        b"two words.jpg",
+        b"it's.jpg",
+        b"a>b.jpg",
+        b"a&b.jpg",
+        b"100%.jpg",
+        b"12:30.jpg",
+        b"a b:c.jpg",
+        b"a;b+c=d,e!f(g)[h]{i}~$@^`|*.jpg",
+        "ä.jpg".encode(),
+    ),
     "thumbnail link": (b"two  blanks.jpg", b"a<b.jpg", b"a&copyb.jpg"),
     "thumbnail name": (b"abc:def.jpg",),
     "thumbnail": (b" leading.jpg",),
@@ -80,7 +88,7 @@ class CharsetHandler(PlainHandler):
 def shrink(rows, count):
     """Averages rows until there are so many; a row on the border of two counts in both."""
     step = len(rows) / count
-    return [statistics.fmean(rows[int(i * step):math.ceil((i + 1) * step)]) for i in range(count)]
+    return [statistics.fmean(rows[int(i * step) : math.ceil((i + 1) * step)]) for i in range(count)]
 
 
 class GalleryTest(unittest.TestCase):
@@ -91,16 +99,21 @@ class GalleryTest(unittest.TestCase):
         cls.drawn = os.path.join(work.name, "drawn")
         cls.root = os.path.join(work.name, "galleries")
         os.mkdir(cls.root)
-        subprocess.run([BUILD / "demo" / "draw_pictures", cls.drawn], check=True,
-                       stdout=subprocess.DEVNULL)
-        cls.addresses = {"http": cls.serve(PlainHandler), "charset": cls.serve(CharsetHandler),
-                         "file": pathlib.Path(cls.root).as_uri()}
+        subprocess.run(
+            [BUILD / "demo" / "draw_pictures", cls.drawn], check=True, stdout=subprocess.DEVNULL
+        )
+        cls.addresses = {
+            "http": cls.serve(PlainHandler),
+            "charset": cls.serve(CharsetHandler),
+            "file": pathlib.Path(cls.root).as_uri(),
+        }
         cls.browser = cls.start_browser(os.path.join(work.name, "profile"))
 
     @classmethod
     def serve(cls, handler):
         server = http.server.ThreadingHTTPServer(
-            ("127.0.0.1", 0), functools.partial(handler, directory=cls.root))
+            ("127.0.0.1", 0), functools.partial(handler, directory=cls.root)
+        )
         threading.Thread(target=server.serve_forever, daemon=True).start()
         cls.addClassCleanup(server.server_close)
         cls.addClassCleanup(server.shutdown)
@@ -126,10 +139,13 @@ class GalleryTest(unittest.TestCase):
         path = tempfile.mkdtemp(dir=self.root)
         for name, picture in pictures.items():
             shutil.copy(os.path.join(self.drawn, picture), os.path.join(path, os.fsdecode(name)))
-        subprocess.run([BUILD / "tessel", "-tsize", str(SIZE), path], check=True,
-                       stdout=subprocess.DEVNULL)
-        return {way: f"{address}/{os.path.basename(path)}/index.html"
-                for way, address in self.addresses.items()}
+        subprocess.run(
+            [BUILD / "tessel", "-tsize", str(SIZE), path], check=True, stdout=subprocess.DEVNULL
+        )
+        return {
+            way: f"{address}/{os.path.basename(path)}/index.html"
+            for way, address in self.addresses.items()
+        }
 
     def shown_picture(self):
         """The picture that the browser shows by itself, or None."""
@@ -177,8 +193,11 @@ class GalleryTest(unittest.TestCase):
         self.browser.get(page)
         cell = self.browser.execute_script(CELL, 0)
         self.browser.get(cell["link"])
-        found = (("thumbnail", cell["size"][0] > 0), ("link", self.shown_picture() is not None),
-                 ("name", cell["name"] == os.fsdecode(name)))
+        found = (
+            ("thumbnail", cell["size"][0] > 0),
+            ("link", self.shown_picture() is not None),
+            ("name", cell["name"] == os.fsdecode(name)),
+        )
         self.assertEqual(" ".join(what for what, good in found if good), works)
 
     def test_awkward_names(self):
@@ -195,15 +214,20 @@ class GalleryTest(unittest.TestCase):
         path = os.fsencode(tempfile.mkdtemp(dir=self.root))
         for name in names:
             os.mkdir(os.path.join(path, name))
-            shutil.copy(os.path.join(self.drawn, "10_small_boat.jpg"),
-                        os.fsdecode(os.path.join(path, name)))
-        subprocess.run([BUILD / "tessel-tree", "--page", path], check=True, stdout=subprocess.DEVNULL)
+            shutil.copy(
+                os.path.join(self.drawn, "10_small_boat.jpg"), os.fsdecode(os.path.join(path, name))
+            )
+        subprocess.run(
+            [BUILD / "tessel-tree", "--page", path], check=True, stdout=subprocess.DEVNULL
+        )
         for address in self.addresses.values():
             page = f"{address}/{os.path.basename(os.fsdecode(path))}/galleries.html"
             self.browser.get(page)
             cells = self.browser.find_elements(By.TAG_NAME, "td")
-            self.assertEqual([cell.text.strip() for cell in cells],
-                             ["2#?: 1", "10 & <b>: 1", "a%41\"': 1", "one: 1", "x y: 1", "ä: 1"])
+            self.assertEqual(
+                [cell.text.strip() for cell in cells],
+                ["2#?: 1", "10 & <b>: 1", "a%41\"': 1", "one: 1", "x y: 1", "ä: 1"],
+            )
             for index in range(len(names)):
                 image = self.browser.find_elements(By.TAG_NAME, "img")[index]
                 self.assertGreater(image.get_property("naturalWidth"), 0)

@@ -34,8 +34,13 @@ def printed_lines(tessel, pictures):
             shutil.copy(picture, f"{folder}/{picture.name}.jpg")
         output = ""
         for arguments in [], ["-tsize", "9", folder]:
-            output += subprocess.run([tessel, *arguments], check=True, text=True,
-                                     stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout
+            output += subprocess.run(
+                [tessel, *arguments],
+                check=True,
+                text=True,
+                stdout=subprocess.PIPE,
+                stderr=subprocess.DEVNULL,
+            ).stdout
     output = re.sub(rf"{folder}/tessel/\S+", "thumbnail", output)
     output = re.sub(rf"{folder}/\S+", "picture", output)
     return set(re.sub(r"\b\d[\d.]*(e-?\d+)?", "N", output).splitlines())
@@ -43,8 +48,9 @@ def printed_lines(tessel, pictures):
 
 def main(tessel, pictures):
     subprocess.run(["mandoc", "-T", "lint", "-W", "warning", *PAGE.parent.glob("*.1")], check=True)
-    rendered = subprocess.run(["mandoc", "-T", "ascii", PAGE], check=True, text=True,
-                              stdout=subprocess.PIPE).stdout
+    rendered = subprocess.run(
+        ["mandoc", "-T", "ascii", PAGE], check=True, text=True, stdout=subprocess.PIPE
+    ).stdout
     page = squeezed(re.sub(".\b", "", rendered))
     wanted = [squeezed(line) for line in printed_lines(tessel, pictures)]
     for file, patterns in FACTS.items():

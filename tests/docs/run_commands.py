@@ -30,15 +30,20 @@ SUBSTITUTES = [
     (r"systemctl --user .*", "systemd-analyze --user verify ~/.config/systemd/user/tessel.*"),
 ]
 
-BLOCK = re.compile(r"^```(?P<language>\w*)\n(?P<fenced>.*?)^```$|^<!-- sh\n(?P<hidden>.*?)^-->$"
-                   r"|(?<=\n\n)(?P<indented>(?:    [^\n]*\n|\n(?=    ))+)", re.M | re.S)
+BLOCK = re.compile(
+    r"^```(?P<language>\w*)\n(?P<fenced>.*?)^```$|^<!-- sh\n(?P<hidden>.*?)^-->$"
+    r"|(?<=\n\n)(?P<indented>(?:    [^\n]*\n|\n(?=    ))+)",
+    re.M | re.S,
+)
 
 # On one line, as the script's lines are the page's. Besides the shell's own means, which overlook
 # the head of "this && that", every command's status is checked before the next.
-PRELUDE = ("set -Eeuo pipefail; "
-           "failed() { echo \"$PAGE:$1: exit status $2\" >&2; exit 1; }; "
-           "checked() { (($2 == 0)) || failed \"$1\" \"$2\"; }; "
-           "trap 'failed \"$LINENO\" \"$?\"' ERR; ")
+PRELUDE = (
+    "set -Eeuo pipefail; "
+    'failed() { echo "$PAGE:$1: exit status $2" >&2; exit 1; }; '
+    'checked() { (($2 == 0)) || failed "$1" "$2"; }; '
+    'trap \'failed "$LINENO" "$?"\' ERR; '
+)
 
 
 def command_lines(text, page):
@@ -95,7 +100,7 @@ def only_section(text, heading):
     """The text with all other sections blanked."""
     begin = text.index(f"\n## {heading}\n")
     end = text.find("\n## ", begin + 1)
-    return "\n" * text.count("\n", 0, begin) + text[begin:end if end > 0 else None]
+    return "\n" * text.count("\n", 0, begin) + text[begin : end if end > 0 else None]
 
 
 def make_tree(root, project, picture):
@@ -121,8 +126,12 @@ def main(page, tessel, picture, heading=None):
         path = f"{pathlib.Path(tessel).parent}:{os.environ['PATH']}"
         script = pathlib.Path(folder) / "commands"
         script.write_text(make_script(text, page))
-        return subprocess.run(["bash", script], cwd=folder, stdin=subprocess.DEVNULL, env={
-            "PATH": path, "PAGE": page, "HOME": folder, "XDG_RUNTIME_DIR": folder}).returncode
+        return subprocess.run(
+            ["bash", script],
+            cwd=folder,
+            stdin=subprocess.DEVNULL,
+            env={"PATH": path, "PAGE": page, "HOME": folder, "XDG_RUNTIME_DIR": folder},
+        ).returncode
 
 
 sys.exit(main(*sys.argv[1:]))
