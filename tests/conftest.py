@@ -11,6 +11,7 @@ import tempfile
 import pytest
 
 from support.gallery import NOBODY, PROJECT, Gallery, Program, jpeg
+from support.pages import Reader
 
 
 def pytest_addoption(parser):
@@ -116,3 +117,20 @@ def stranger(tessel):
     except PermissionError:
         pytest.skip("another user can't run the program")
     return circumstances
+
+
+@pytest.fixture
+def reader(build, work, picture):
+    return Reader(work, build, picture)
+
+
+@pytest.fixture
+def need():
+    """Skips a test where a program that it takes isn't installed."""
+
+    def need(*programs):
+        for program in programs:
+            if not shutil.which(program):
+                pytest.skip(f"{program} isn't installed")
+
+    return need

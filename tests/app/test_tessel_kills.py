@@ -2,9 +2,11 @@
 
 import itertools
 import shutil
+import signal
 
 import pytest
 
+TRACE = ["strace", "-o", "/dev/null"]
 NAMES = ["a.jpg", "b.jpg", "c.jpg"]
 
 
@@ -26,17 +28,19 @@ def start_anew(gallery):
 # Calls by what their names begin with, as that is the same on every machine.
 @pytest.mark.native
 @pytest.mark.parametrize("call", ["open", "mkdir", "write", "fchmod", "close", "rename", "rmdir"])
-def test_after_a_kill_at_any_change_the_next_run_makes_all_good(gone, call):
-    if not shutil.which("strace"):
-        pytest.skip("strace isn't installed")
+def test_after_a_kill_at_any_change_the_next_run_makes_all_good(gone, need, call):
+    need("strace")
+    if gone.program.run(prefix=TRACE).status != 0:
+        pytest.skip("nothing can be traced here")
     gone.run()
     expected = gone.state()
     for number in itertools.count(1):
         start_anew(gone)
         kill = f"inject=/^{call}:signal=KILL:when={number}"
-        killed = gone.run(prefix=["strace", "-o", "/dev/null", "-e", kill])
+        killed = gone.run(prefix=[*TRACE, "-e", kill])
         if killed.status == 0:
             break
+        assert killed.status == -signal.SIGKILL, killed.output
         assert gone.records().get("gone.jpg") == 7, f"killed at {call} {number}"
         gone.run()
         assert gone.state() == expected, f"killed at {call} {number}"

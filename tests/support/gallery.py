@@ -59,7 +59,15 @@ class Program:
     def __init__(self, words):
         self.words = words
 
-    def start(self, *arguments, folder=None, prefix=(), output=subprocess.PIPE, **circumstances):
+    def start(
+        self,
+        *arguments,
+        folder=None,
+        prefix=(),
+        output=subprocess.PIPE,
+        errors=subprocess.STDOUT,
+        **circumstances,
+    ):
         """Starts a run in a folder, behind the words of `prefix`. Of circumstances there are
         `limits`, as resource.setrlimit takes them, `closed` descriptors, a `user` and a `umask`."""
         every = {"limits": {}, "closed": (), "user": None, "umask": None} | circumstances
@@ -68,9 +76,7 @@ class Program:
             cwd=folder,
             stdin=subprocess.DEVNULL,
             stdout=output,
-            stderr=subprocess.STDOUT,
-            text=True,
-            errors="surrogateescape",
+            stderr=errors,
             preexec_fn=under(**every) if circumstances else None,
         )
 
@@ -81,7 +87,7 @@ class Program:
             except subprocess.TimeoutExpired:
                 process.kill()
                 raise
-            return Outcome(process.returncode, output or "")
+            return Outcome(process.returncode, os.fsdecode(output or b""))
 
 
 class Gallery:
