@@ -1,10 +1,8 @@
 """What bash completes for tessel and tessel-tree."""
 
-import subprocess
-
 import pytest
 
-from support.gallery import PROJECT
+from support.gallery import PROJECT, do
 
 COMPLETION = PROJECT / "app/tessel.bash-completion"
 
@@ -13,11 +11,6 @@ COMPLETE = 'source "$0"; COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)); _tessel; prin
 
 SIZES = ["96", "128", "192", "256", "384", "512"]
 TREE_OPTIONS = ["-j", "-S", "-tsize", "--prune", "--page", "--log", "--help", "--version"]
-
-
-def bash(work, *arguments):
-    command = ["bash", "-euc", *arguments]
-    return subprocess.run(command, cwd=work, check=True, text=True, stdout=subprocess.PIPE).stdout
 
 
 @pytest.fixture
@@ -55,11 +48,11 @@ def folders(work):
     ids=lambda value: " ".join(value) or "nothing",
 )
 def test_the_last_word_becomes(folders, words, completions):
-    found = bash(folders, COMPLETE, COMPLETION, *words).splitlines()
+    found = do("bash", "-euc", COMPLETE, COMPLETION, *words, folder=folders).splitlines()
     assert sorted(found) == sorted(completions or [""])
 
 
 @pytest.mark.parametrize("name", ["tessel", "tessel-tree"])
-def test_completions_are_quoted_as_names_of_files(folders, name):
-    said = bash(folders, 'source "$0"; complete -p "$1"', COMPLETION, name)
+def test_completions_are_quoted_as_names_of_files(name):
+    said = do("bash", "-euc", 'source "$0"; complete -p "$1"', COMPLETION, name)
     assert said == f"complete -o filenames -F _tessel {name}\n"

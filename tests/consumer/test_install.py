@@ -2,26 +2,12 @@
 CMake and by pkg-config, with static and with shared libraries; and with the sources as a part of it."""
 
 import os
-import subprocess
 
 import pytest
 
-from support.gallery import PROJECT
+from support.gallery import PROJECT, do
 
 CONSUMER = PROJECT / "tests/consumer"
-
-
-def do(*command, **environment):
-    """Runs a command that may not fail, and returns what it prints."""
-    done = subprocess.run(
-        command,
-        env=os.environ | environment,
-        stdout=subprocess.PIPE,
-        stderr=subprocess.STDOUT,
-        text=True,
-    )
-    assert done.returncode == 0, f"{command}\nprints:\n{done.stdout}"
-    return done.stdout
 
 
 def install(build, prefix):

@@ -40,26 +40,14 @@ def test_many_machines(reader, need):
     assert (reader.photos / "it's summer/tessel/late  sun.jpg").exists()
 
 
-@pytest.fixture
-def locked(reader):
-    """Keeps the folder locked as another run would."""
-
-    @contextlib.contextmanager
-    def lock():
-        folder = os.open(reader.photos, os.O_RDONLY)
-        fcntl.flock(folder, fcntl.LOCK_EX)
-        yield
-        os.close(folder)
-
-    return lock
-
-
-def test_never_two_at_once(reader, need, locked):
+def test_never_two_at_once(reader, need):
     need("flock")
     [command] = blocks_of(PAGE, "sh", "Never two at once")
-    with locked():
-        reader.do(command.replace("flock", "! flock -n"))
-        assert not (reader.photos / "index.html").exists()
+    folder = os.open(reader.photos, os.O_RDONLY)
+    fcntl.flock(folder, fcntl.LOCK_EX)
+    reader.do(command.replace("flock", "! flock -n"))
+    assert not (reader.photos / "index.html").exists()
+    os.close(folder)
     reader.do(command)
     assert (reader.photos / "index.html").exists()
 
@@ -76,45 +64,29 @@ def test_every_ten_minutes(reader, need):
     assert (reader.photos / "2023/index.html").exists()
 
 
-class Watching:
-    """Commands that go on until the end of a `with` block, at most a minute."""
+@contextlib.contextmanager
+def going_on(reader, commands):
+    """Runs commands until the end of a `with` block, for at most a minute; what they print."""
+    command = ["sh", "-euc", commands]
+    environment = os.environ | reader.environment
+    options = {"cwd": reader.folder, "env": environment, "start_new_session": True}
+    with subprocess.Popen(command, stdout=subprocess.PIPE, text=True, **options) as process:
+        timer = threading.Timer(60, os.killpg, [process.pid, signal.SIGKILL])
+        timer.start()
+        try:
+            yield process.stdout
+        finally:
+            timer.cancel()
+            os.killpg(process.pid, signal.SIGKILL)
 
-    def __init__(self, reader, commands):
-        self.process = subprocess.Popen(
-            ["sh", "-euc", commands],
-            cwd=reader.folder,
-            env=reader.environment,
-            stdin=subprocess.DEVNULL,
-            stdout=subprocess.PIPE,
-            stderr=subprocess.STDOUT,
-            text=True,
-            start_new_session=True,
-        )
-        self.printed = ""
-        self.timer = threading.Timer(60, self.kill)
 
-    def kill(self):
-        os.killpg(self.process.pid, signal.SIGKILL)
-
-    def __enter__(self):
-        self.timer.start()
-        return self
-
-    def __exit__(self, *_):
-        self.timer.cancel()
-        self.kill()
-        self.process.communicate()
-
-    def prints(self, seconds):
-        return bool(select.select([self.process.stdout], [], [], seconds)[0])
-
-    def next_run(self):
-        """The folder of the next run of tessel that ends."""
-        for line in self.process.stdout:
-            self.printed += line
-            if line.startswith("finished "):
-                return line[len("finished ") : -1]
-        return f"no more: {self.printed}"
+def next_run(lines, printed):
+    """The folder of the next run of tessel that ends. Lines that were read are added to others."""
+    for line in lines:
+        printed.append(line)
+        if line.startswith("finished "):
+            return line[len("finished ") : -1]
+    pytest.fail(f"no run in a minute, only:\n{''.join(printed)}")
 
 
 def test_as_soon_as_a_picture_comes_or_goes(reader, need, build, picture):
@@ -124,26 +96,27 @@ def test_as_soon_as_a_picture_comes_or_goes(reader, need, build, picture):
     for name in "one.jpg", "another.jpg":
         (reader.folder / name).write_bytes(picture)
     [command] = blocks_of(PAGE, "sh", "As soon as a picture comes or goes")
-    with Watching(reader, command) as watching:
+    printed = []
+    with going_on(reader, command) as lines:
         # Until it is there. Then what it has in store is behind the first run for another folder.
-        while not watching.prints(0.1):
+        while not select.select([lines], [], [], 0.1)[0]:
             (photos / "beach.jpg").write_bytes(picture)
         (reader.folder / "one.jpg").rename(photos / "it's summer/one.jpg")
-        while (run := watching.next_run()) == "photos":
+        while (run := next_run(lines, printed)) == "photos":
             pass
         assert run == "photos/it's summer"
 
         # From here on, there is one run for each picture, and none for what runs write.
         (photos / "written.jpg").write_bytes(picture)
-        assert watching.next_run() == "photos"
+        assert next_run(lines, printed) == "photos"
         (reader.folder / "another.jpg").rename(photos / "it's summer/another.jpg")
-        assert watching.next_run() == "photos/it's summer"
+        assert next_run(lines, printed) == "photos/it's summer"
         (photos / "written.jpg").unlink()
-        assert watching.next_run() == "photos"
+        assert next_run(lines, printed) == "photos"
         (photos / "2023/harbour.JPG").rename(reader.folder / "harbour.JPG")
-        assert watching.next_run() == "photos/2023"
-    assert "Writing photos/tessel/written.jpg\n" in watching.printed
-    assert "Writing photos/it's summer/tessel/another.jpg\n" in watching.printed
+        assert next_run(lines, printed) == "photos/2023"
+    assert "Writing photos/tessel/written.jpg\n" in printed
+    assert "Writing photos/it's summer/tessel/another.jpg\n" in printed
     assert "written.jpg" not in (photos / "index.html").read_text()
     assert "harbour.JPG" not in (photos / "2023/index.html").read_text()
     assert not (photos / "tessel/tessel").exists()

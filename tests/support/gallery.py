@@ -12,7 +12,7 @@ import stat
 import subprocess
 
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
-SECONDS = 300  # for one run, also on an emulator
+SECONDS = 120  # for one run, also on an emulator
 NOBODY = 65534
 
 
@@ -53,21 +53,28 @@ def under(limits, closed, user, umask):
     return prepare
 
 
+def do(*command, folder=None, **environment):
+    """Runs a command that may not fail, and returns what it prints."""
+    done = subprocess.run(
+        command,
+        cwd=folder,
+        env=os.environ | environment,
+        stdin=subprocess.DEVNULL,
+        stdout=subprocess.PIPE,
+        stderr=subprocess.STDOUT,
+    )
+    output = os.fsdecode(done.stdout)
+    assert done.returncode == 0, f"{command}\nprints:\n{output}"
+    return output
+
+
 class Program:
     """A program, by the words that call it: an emulator may stand before its path."""
 
     def __init__(self, words):
         self.words = words
 
-    def start(
-        self,
-        *arguments,
-        folder=None,
-        prefix=(),
-        output=subprocess.PIPE,
-        errors=subprocess.STDOUT,
-        **circumstances,
-    ):
+    def start(self, *arguments, folder=None, prefix=(), output=subprocess.PIPE, **circumstances):
         """Starts a run in a folder, behind the words of `prefix`. Of circumstances there are
         `limits`, as resource.setrlimit takes them, `closed` descriptors, a `user` and a `umask`."""
         every = {"limits": {}, "closed": (), "user": None, "umask": None} | circumstances
@@ -76,7 +83,7 @@ class Program:
             cwd=folder,
             stdin=subprocess.DEVNULL,
             stdout=output,
-            stderr=errors,
+            stderr=subprocess.STDOUT,
             preexec_fn=under(**every) if circumstances else None,
         )
 

@@ -2,9 +2,8 @@
 
 import os
 import re
-import subprocess
 
-from support.gallery import PROJECT
+from support.gallery import PROJECT, do
 
 PICTURES = ["photos/beach.jpg", "photos/2023/harbour.JPG", "photos/it's summer/late  sun.jpg"]
 
@@ -27,11 +26,8 @@ class Reader:
         self.photos = folder / "photos"
         self.programs = folder / "bin"
         self.programs.mkdir()
-        self.environment = {
-            "PATH": f"{self.programs}:{programs}:{os.environ['PATH']}",
-            "HOME": str(folder),
-            "XDG_RUNTIME_DIR": str(folder),
-        }
+        path = f"{self.programs}:{programs}:{os.environ['PATH']}"
+        self.environment = {"PATH": path, "HOME": str(folder), "XDG_RUNTIME_DIR": str(folder)}
         for name in PICTURES:
             (folder / name).parent.mkdir(exist_ok=True)
             (folder / name).write_bytes(picture)
@@ -44,18 +40,8 @@ class Reader:
 
     def do(self, commands):
         """Runs commands of the shell, none of which may fail, and returns what they print."""
-        done = subprocess.run(
-            ["sh", "-euc", commands],
-            cwd=self.folder,
-            env=self.environment,
-            stdin=subprocess.DEVNULL,
-            stdout=subprocess.PIPE,
-            stderr=subprocess.STDOUT,
-        )
-        output = os.fsdecode(done.stdout)
-        assert done.returncode == 0, f"{commands}\nprints:\n{output}"
-        return output
+        return do("sh", "-euc", commands, folder=self.folder, **self.environment)
 
-    def follow(self, page, heading=None):
-        """Does what a page says, or one of its sections, and returns what is printed."""
+    def follow(self, page, heading):
+        """Does what a section of a page says, and returns what is printed."""
         return "".join(self.do(block) for block in blocks_of(page, "sh", heading))
