@@ -89,7 +89,7 @@ def test_a_link_to_anything_else_is_left_alone(gallery, elsewhere, fill):
     gallery.thumbs.symlink_to("../elsewhere")
     before = state_of(elsewhere.parent)
     first = gallery.run()
-    assert first.output.splitlines()[-1] == "Writing ./tessel/x.jpg"
+    assert first.output == ""
     assert gallery.run() == first
     assert gallery.has_whole_page()
     gallery.page.unlink()
