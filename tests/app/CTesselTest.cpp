@@ -1,0 +1,119 @@
+#include "app/CTessel.h"
+
+#include <map>
+
+#include "app/GalleryLayout.h"
+#include "tests/support/TestSupport.h"
+#include "util/CFileIO.h"
+
+/// A gallery whose files are worked out apart from the program: thumbnails through the library's
+/// whole-picture operations, page and database by hand.
+struct CTesselTest : FolderTest
+{
+    const std::string mDbase = mFolder / "tessel/tesselbase.txt";
+    const std::string mPage = mFolder / "index.html";
+    std::map<std::string, std::string> mFiles;    // by path, what the run must leave
+    std::map<std::string, std::string> mOutputs;  // by name, what it must print
+
+    void AddPicture(const std::string& name, int components, const Sizes& sizes)
+    {
+        const std::string path = mFolder / name;
+        const std::string thumb = mFolder / "tessel" / name;
+        mFiles[path] = SampleJpeg(sizes[0], sizes[1], components);
+        WriteAll(path, mFiles[path]);
+        TestImage image;
+        mOutputs[name] = OutputOf([&] {
+            std::cout << "Reading " << path << std::endl;
+            image.Read(path.c_str(), nullptr);
+            image.Show(path.c_str());
+            image.DownScaleFix2(sizes[2], sizes[3]);
+            std::cout << "Writing " << thumb << std::endl;
+        });
+        image.Write((mFolder / "made").c_str(), true, nullptr);
+        mFiles[thumb] = ReadAll(mFolder / "made");
+        fs::remove(mFolder / "made");
+        mFiles[mDbase] += name + "\t1000\n";
+    }
+
+    /// The page of pictures in the order in which the folder lists them.
+    std::string PageOf(const Names& names) const
+    {
+        std::string cells;
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            if (i % 5 == 0)
+                cells += "<tr>\n";
+            cells += "  <td><a href=\"" + names[i] + "\"><img src=\"tessel/" + names[i] +
+                     "\"></a><br><font size=2>" + names[i] + "</font></td>\n";
+            if (i % 5 == 4 || i + 1 == names.size())
+                cells += "</tr>\n";
+        }
+        return "<html><body>\n\n<center>\n<h2>" + mFolder.filename().string() + "</h2>\n<table>\n" +
+               cells + "</table>\n</body></html>\n\n";
+    }
+
+    void ExpectFiles() const
+    {
+        for (const auto& [path, content] : mFiles) {
+            // Pictures are compared as a whole: nobody wants to read the bytes that differ.
+            const bool isSame = ReadAll(path) == content;
+            EXPECT_TRUE(isSame) << path << " differs from what it must be";
+        }
+    }
+};
+
+TEST_F(CTesselTest, MakesAGalleryToTheByteAndTheSecondRunMakesNothing)
+{
+    // Width and height of the picture and of its thumbnail of 100 pixels, cut in single precision.
+    const struct
+    {
+        const char* name;
+        int components;
+        Sizes sizes;
+    } rows[] = {
+        {"LAND.JPG", 3, {300, 200, 100, 66}},   {"a <&>\".jpg", 3, {1, 1, 100, 100}},
+        {"cut1.jpg", 1, {100, 53, 100, 52}},    {"cut2.jpg", 1, {200, 106, 100, 52}},
+        {"cut3.jpg", 3, {300, 159, 100, 52}},   {"cut4.jpg", 3, {201, 200, 100, 99}},
+        {"last.jpg", 1, {100, 100, 100, 100}},  {"long.jpg", 3, {10000, 50, 100, 1}},
+        {"tall.Jpg", 1, {50, 10000, 1, 100}},   {"thin.jpg", 3, {2000, 3000, 66, 100}},
+        {"wide.jpg", 3, {1920, 1080, 100, 56}},
+    };
+    for (const auto& row : rows)
+        AddPicture(row.name, row.components, row.sizes);
+    Run("touch -d @1000 *.*");
+    Names names;
+    CFileIO::ResolveWildCard(mFolder.c_str(), "*.jpg", &names);
+    mFiles[mPage] = PageOf(names);
+    std::string output;
+    for (const std::string& name : names)
+        output += mOutputs[name];
+
+    EXPECT_EQ(Run(TESSEL_PROGRAM " -tsize 100 " + mFolder.string()), output);
+    ExpectFiles();
+    EXPECT_EQ(Run(TESSEL_PROGRAM " -tsize 100 " + mFolder.string()), "");
+    ExpectFiles();
+    const auto entries = std::distance(fs::recursive_directory_iterator(mFolder), {});
+    EXPECT_EQ(entries, 11 + 11 + 3) << "pictures, thumbnails, and page, folder and database";
+}
+
+TEST_F(CTesselTest, APictureIsRecordedOnceItIsAskedFor)
+{
+    Run("touch -d @5 x.jpg");
+    CTessel tessel;
+    EXPECT_TRUE(tessel.TestFile(mFolder.c_str(), "x.jpg"));
+    EXPECT_FALSE(tessel.TestFile(mFolder.c_str(), "x.jpg"));
+    tessel.mFileInfoSet.begin()->mTime = 4;
+    EXPECT_TRUE(tessel.TestFile(mFolder.c_str(), "x.jpg"));
+    EXPECT_EQ(tessel.mFileInfoSet.begin()->mTime, 5);
+    EXPECT_TRUE(tessel.TestFile(mFolder.c_str(), "missing.jpg"));
+    EXPECT_EQ(tessel.mFileInfoSet.size(), 1U);
+}
+
+TEST_F(CTesselTest, TheDatabaseComesBackAsItWasWritten)
+{
+    CTessel written;
+    written.mFileInfoSet = {{"a.jpg", 1}, {"b.jpg", 2}};
+    written.WriteDbase(mPath);
+    CTessel read;
+    read.ReadDbase(mPath);
+    EXPECT_EQ(DatabaseText(read.mFileInfoSet), "a.jpg\t1\nb.jpg\t2\n");
+}
