@@ -3,15 +3,12 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
-#include <iostream>
 #include <vector>
 // libjpeg's header wants stdio's names declared before it.
 #include <jpeglib.h>
 
-namespace {
-
 /// Returns the bytes of the decoded picture. An error ends the program, as libjpeg does by default.
-std::size_t Decode(std::FILE* file, std::vector<unsigned char>& row)
+static std::size_t Decode(std::FILE* file, std::vector<unsigned char>& row)
 {
     jpeg_decompress_struct decompressor{};
     jpeg_error_mgr errors{};
@@ -32,21 +29,17 @@ std::size_t Decode(std::FILE* file, std::vector<unsigned char>& row)
     return bytes;
 }
 
-}  // namespace
-
 int main(int argc, char** argv)
 {
     std::vector<unsigned char> row;
     std::size_t largest = 0;
     for (int i = 1; i < argc; ++i) {
         std::FILE* file = std::fopen(argv[i], "rb");
-        if (!file) {
-            std::cerr << "decode_only: cannot open " << argv[i] << std::endl;
+        if (!file)
             return 1;
-        }
         largest = std::max(largest, Decode(file, row));
         std::fclose(file);
     }
-    std::cout << largest << std::endl;
+    std::printf("%zu\n", largest);
     return 0;
 }

@@ -1,84 +1,108 @@
-"""Runs commands side by side, and keeps the table and the panels that come of it."""
+"""Runs commands in turn, and keeps a table of the ratios of their medians."""
 
 import json
 import os
 import pathlib
+import random
 import shutil
 import statistics
 import subprocess
-import sys
 
-SIZE = "192"
-ONE_THREAD = {"VIPS_CONCURRENCY": "1", "OMP_NUM_THREADS": "1", "MAGICK_THREAD_LIMIT": "1"}
+THREADS = "VIPS_CONCURRENCY", "OMP_NUM_THREADS", "MAGICK_THREAD_LIMIT"
+HEAD = """| measured | tessel | compared with | its figure | tessel : other | goal |
+| --- | --- | --- | --- | --- | --- |
+"""
+# Samples whose noise is as hard to decode as photographs are.
+SOFT = bytes(128 + (sample - 128) // 12 for sample in range(256))
 
 
 class Bench:
-    """The programs, the folders, and the table that is being filled."""
+    """The pictures, a folder for the galleries of one part, and the table that is filled."""
 
-    def __init__(self, arguments):
-        self.build = pathlib.Path(arguments.build).resolve()
-        self.programs = self.build / "bench"
-        self.folder = pathlib.Path(arguments.folder).resolve()
-        self.rounds = arguments.rounds
-        self.peer_rounds = arguments.peer_rounds
-        self.work = self.build / "work"
-        self.out = self.work / "out"
-        shutil.rmtree(self.work, ignore_errors=True)
-        self.work.mkdir(parents=True)
-        self.rows = []
-        self.panels = []
+    def __init__(self, build, pictures, rounds):
+        self.build = pathlib.Path(build).resolve()
+        self.folder = self.build / "work"
+        self.out = self.build / "out"
+        self.rounds = rounds
+        self.table = HEAD
         self.log = open(self.build / "compare.log", "w", encoding="utf-8")
+        self.empty()
+        folder = pathlib.Path(pictures).resolve() if pictures else self.drawn()
+        self.photos = sorted(folder.glob("*.jpg"))
 
-    def program(self, name):
-        return str((self.build if name.startswith("tessel") else self.programs) / name)
+    def drawn(self):
+        """A folder of twelve pictures of 12 megapixels, drawn once for all runs."""
+        folder = self.build / "pictures"
+        if not folder.is_dir():
+            for number in range(12):
+                draw(self.out / f"noisy{number}.jpg", 4242, 2828)
+            self.out.rename(folder)
+        return folder
 
-    def measure(self, command, folder):
-        """Runs a command in a folder: seconds cpu and wall, KiB peak, page faults."""
+    def empty(self):
+        for folder in self.folder, self.out:
+            shutil.rmtree(folder, ignore_errors=True)
+            folder.mkdir()
+
+    def link(self, sources, count, name="."):
+        """Fills a folder of that name with so many links to pictures, in turn."""
+        folder = self.folder / name
+        folder.mkdir(exist_ok=True)
+        for number in range(count):
+            source, target = sources[number % len(sources)], folder / f"{number}.jpg"
+            try:
+                os.link(source, target)
+            except OSError:  # another file system, or too many links
+                shutil.copy2(source, target)
+        return folder
+
+    def clear(self):
+        """Makes all galleries as they are before the first run."""
+        for thumbs in list(self.folder.glob("**/tessel")):
+            shutil.rmtree(thumbs)
+            (thumbs.parent / "index.html").unlink(missing_ok=True)
+        shutil.rmtree(self.out)
+        self.out.mkdir()
+
+    def run(self, program, *arguments):
+        """Runs a program of the build that prints JSON, and returns that."""
         done = subprocess.run(
-            [self.program("measure"), *map(str, command)],
-            cwd=folder,
-            env={**os.environ, **ONE_THREAD, "OUT": str(self.out)},
+            [self.build / "bench" / program, *map(str, arguments)],
+            cwd=self.folder,
+            env={**os.environ, **dict.fromkeys(THREADS, "1")},
             stdout=subprocess.PIPE,
             stderr=self.log,
             check=True,
         )
         return json.loads(done.stdout)
 
-    def side_by_side(self, commands, folder, rounds, prepare=None, check=None):
-        """The medians for each command, all of them run in turn."""
-        results = {name: [] for name in commands}
-        for _ in range(rounds):
+    def side_by_side(self, commands, new=False, check=None, times=1):
+        """The medians of what commands take that are run in turn: seconds cpu and wall, KiB peak.
+
+        With `new`, each finds all pictures new. `check` is called with its name after each.
+        """
+        runs = {name: [] for name in commands}
+        for _ in range(self.rounds * times):
             for name, command in commands.items():
-                if prepare:
-                    prepare()
-                results[name].append(self.measure(command, folder))
+                if new:
+                    self.clear()
+                runs[name].append(self.run("measure", *command))
                 if check:
                     check(name)
-        return {
-            name: {key: statistics.median(run[key] for run in runs) for key in runs[0]}
-            for name, runs in results.items()
-        }
+        return {name: medians(results) for name, results in runs.items()}
 
-    def clear(self, folder):
-        """Makes a folder as it is before the first run, and the output folder empty."""
-        shutil.rmtree(folder / "tessel", ignore_errors=True)
-        shutil.rmtree(self.out, ignore_errors=True)
-        self.out.mkdir()
-
-    def row(self, what, ours, other, theirs, text=None, goal=""):
-        """Adds a line to the table. `text` turns a figure into words."""
+    def row(self, what, ours, other, theirs, goal=None, text=None):
+        """Adds a line to the table. `goal` is the highest ratio, `text` shows a figure."""
         text = text or seconds
-        self.rows.append((what, text(ours), other, text(theirs), ratio(ours, theirs), goal))
+        wanted = ratio(goal, 1) if goal else ""
+        if goal and ours > goal * theirs:
+            wanted += ", **missed**"
+        columns = what, text(ours), other, text(theirs), ratio(ours, theirs), wanted
+        self.table += f"| {' | '.join(columns)} |\n"
 
-    def memory_row(self, what, ours, other, theirs, goal):
-        difference = f"{(ours - theirs) / 1024:+.2f} MiB"
-        self.rows.append((what, mebibytes(ours), other, mebibytes(theirs), difference, goal))
 
-    def say(self, what):
-        print(f"compare: {what}", file=sys.stderr, flush=True)
-
-    def fail(self, what):
-        sys.exit(f"compare: {what}")
+def medians(results):
+    return {key: statistics.median(run[key] for run in results) for key in results[0]}
 
 
 def seconds(value):
@@ -89,27 +113,14 @@ def mebibytes(kib):
     return f"{kib / 1024:.1f} MiB"
 
 
-def summary(run):
-    return f"{seconds(run['cpu'])}, {seconds(run['wall'])}, {mebibytes(run['peak'])}"
-
-
 def ratio(ours, theirs):
     return f"{ours / theirs:.2f} : 1" if ours >= theirs else f"1 : {theirs / ours:.2f}"
 
 
-def link_pictures(sources, folder, count=None):
-    """Fills a new folder with links to pictures: each once, or in turn up to a count."""
-    folder.mkdir(parents=True)
-    sources = sorted(sources)
-    for i in range(len(sources) if count is None else count):
-        source = sources[i % len(sources)]
-        target = folder / (source.name if count is None else f"picture{i}.jpg")
-        try:
-            os.link(source, target)
-        except OSError:  # another file system
-            shutil.copy2(source, target)
-    return folder
-
-
-def pictures_in(folder):
-    return sorted(path.name for path in folder.iterdir() if path.name.endswith(".jpg"))
+def draw(path, width, height):
+    """Draws a picture of soft noise, the same for the same size, and returns its path."""
+    samples = random.Random(width).randbytes(3 * width * height).translate(SOFT)
+    header = b"P6 %d %d 255\n" % (width, height)
+    command = ["cjpeg", "-quality", "91", "-outfile", path]
+    subprocess.run(command, input=header + samples, check=True)
+    return path

@@ -6,10 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Colours, blends and noise: what pictures that are drawn by formula are made of. All of it is
-/// pure, so that a picture looks the same wherever it is drawn.
-
-constexpr float kPi = 3.14159265f;
+/// Colours, blends and noise: what pictures that are drawn by formula are made of. Sums, products,
+/// quotients and square roots are all they take, which are the same on every machine.
 
 /// A colour; every part is 0 to 1 where it is shown, and may be more while light is added up.
 struct SColour
@@ -33,11 +31,6 @@ inline SColour operator+(SColour a, SColour b)
     return {a.mRed + b.mRed, a.mGreen + b.mGreen, a.mBlue + b.mBlue};
 }
 
-inline SColour operator*(SColour a, SColour b)
-{
-    return {a.mRed * b.mRed, a.mGreen * b.mGreen, a.mBlue * b.mBlue};
-}
-
 inline SColour operator*(SColour a, float k)
 {
     return {a.mRed * k, a.mGreen * k, a.mBlue * k};
@@ -48,11 +41,6 @@ constexpr SColour Rgb(unsigned hex)
 {
     return {static_cast<float>(hex >> 16 & 255) / 255, static_cast<float>(hex >> 8 & 255) / 255,
             static_cast<float>(hex & 255) / 255};
-}
-
-inline float Clamp(float x)
-{
-    return std::clamp(x, 0.0f, 1.0f);
 }
 
 /// The largest integer not above x. Much faster than std::floor without special instructions.
@@ -82,8 +70,14 @@ inline float Length(float x, float y)
 /// `from` may be the larger one.
 inline float Smooth(float from, float to, float x)
 {
-    const float t = Clamp((x - from) / (to - from));
+    const float t = std::clamp((x - from) / (to - from), 0.0f, 1.0f);
     return t * t * (3 - 2 * t);
+}
+
+/// A wave between 1, where x is whole, and -1, half way between.
+inline float Wave(float x)
+{
+    return 2 * Smooth(0, 1, std::abs(2 * Fraction(x) - 1)) - 1;
 }
 
 inline float Mix(float a, float b, float t)
@@ -100,13 +94,13 @@ inline SColour Mix(SColour a, SColour b, float t)
 template <std::size_t N>
 SColour Gradient(const SColour (&scale)[N], float t)
 {
-    const float at = Clamp(t) * static_cast<float>(N - 1);
+    const float at = std::clamp(t, 0.0f, 1.0f) * static_cast<float>(N - 1);
     const std::size_t i = std::min(static_cast<std::size_t>(at), N - 2);
     return Mix(scale[i], scale[i + 1], at - static_cast<float>(i));
 }
 
 /// A number from 0 to 1, 1 excepted, that looks random and depends on the arguments alone.
-inline float Hash(int x, int y = 0)
+inline float Hash(int x, int y)
 {
     std::uint32_t h = static_cast<std::uint32_t>(x) * 0x8da6b343u;
     h ^= static_cast<std::uint32_t>(y) * 0xd8163841u + 0x9e3779b9u;
@@ -126,14 +120,6 @@ inline float Noise(float x, float y)
                Mix(Hash(column, row + 1), Hash(column + 1, row + 1), s), t);
 }
 
-/// The same along a line; lines of different numbers have nothing in common.
-inline float LineNoise(float x, int line)
-{
-    const int column = Floor(x);
-    return Mix(Hash(column, line), Hash(column + 1, line),
-               Smooth(0, 1, x - static_cast<float>(column)));
-}
-
 /// Noise in layers, each twice as fine and half as strong as the one before: from 0 to 1.
 inline float Cloud(float x, float y, int layers)
 {
@@ -144,18 +130,6 @@ inline float Cloud(float x, float y, int layers)
         sum += weight * Noise(x, y);
         x = 2.03f * x + 13.7f;
         y = 2.03f * y + 7.1f;
-    }
-    return sum / (1 - weight);
-}
-
-inline float LineCloud(float x, int line, int layers)
-{
-    float sum = 0;
-    float weight = 1;
-    for (int i = 0; i < layers; ++i) {
-        weight /= 2;
-        sum += weight * LineNoise(x, line);
-        x = 2.03f * x + 13.7f;
     }
     return sum / (1 - weight);
 }

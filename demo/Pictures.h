@@ -5,18 +5,14 @@
 
 /// The pictures that draw_pictures draws, each as a function that gives the colour at a place.
 
-// Landscapes.cpp
+// Scenes.cpp
 SColour MistyRidges(SPlace at);
-SColour NightSky(SPlace at);
 SColour Sunset(SPlace at);
 SColour Balloons(SPlace at);
 SColour SailingBoat(SPlace at);
 
 // Patterns.cpp
-SColour JuliaSet(SPlace at);
-SColour Spheres(SPlace at);
-SColour Tartan(SPlace at);
-SColour Sunflower(SPlace at);
+SColour FineLines(SPlace at);
 SColour Ripples(SPlace at);
 
 #endif

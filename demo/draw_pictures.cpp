@@ -1,11 +1,12 @@
-// Draws a folder of pictures to try tessel with: wide and tall ones, a panorama, a greyscale one,
-// one that is smaller than its thumbnail, and one of twelve megapixels.
+// Draws a folder of pictures to try tessel with; kPictures says what each of them shows.
+#include <algorithm>
 #include <exception>
+#include <fstream>
 #include <iostream>
+#include <iterator>
 #include <string>
 
 #include "Pictures.h"
-#include "graflib/PixelTypes.h"
 #include "jpeg/CGraflibJpeg.h"
 #include "util/CFileIO.h"
 
@@ -13,74 +14,93 @@ namespace {
 
 constexpr int kQuality = 88;
 
+enum class EKind {
+    Colour,
+    Grey,
+    Lying  ///< stored with its top at the left, and with a tag that says so
+};
+
 struct SPicture
 {
     const char* mName;
-    int mWidth;
+    int mWidth;  // as it is looked at
     int mHeight;
-    int mBits;  // 24, or 8 for a picture in greys
+    EKind mKind;
     SColour (*mColourAt)(SPlace at);
 };
 
 constexpr SPicture kPictures[] = {
-    {"01_misty_ridges.jpg", 4000, 3000, 24, MistyRidges},
-    {"02_sunset_panorama.jpg", 3600, 600, 24, Sunset},
-    {"03_night_sky.jpg", 1200, 1600, 24, NightSky},
-    {"04_julia_set.jpg", 1600, 1200, 24, JuliaSet},
-    {"05_balloons.jpg", 1200, 1500, 24, Balloons},
-    {"06_spheres.jpg", 1600, 1200, 24, Spheres},
-    {"07_tartan.jpg", 1500, 1000, 24, Tartan},
-    {"08_sunflower.jpg", 1400, 1400, 24, Sunflower},
-    {"09_ripples_greyscale.jpg", 1600, 1067, 8, Ripples},
-    {"10_small_boat.jpg", 96, 64, 24, SailingBoat},
+    {"01_misty_ridges.jpg", 4000, 3000, EKind::Colour, MistyRidges},  // twelve megapixels
+    {"02_sunset_panorama.jpg", 3600, 600, EKind::Colour, Sunset},
+    {"05_balloons.jpg", 1200, 1500, EKind::Colour, Balloons},   // higher than wide
+    {"07_fine_lines.jpg", 960, 640, EKind::Colour, FineLines},  // stripes where decoders shrink
+    {"09_ripples_greyscale.jpg", 1600, 1067, EKind::Grey, Ripples},
+    {"10_small_boat.jpg", 96, 64, EKind::Lying, SailingBoat},  // smaller than its thumbnail
 };
+
+/// An Exif segment with the orientation alone.
+constexpr unsigned char kLyingTag[] = {
+    0xff, 0xe1, 0, 34, 'E', 'x', 'i', 'f', 0, 0,  // the marker, the length, the kind
+    'M',  'M',  0, 42, 0,   0,   0,   8,          // big endian, entries from byte 8
+    0,    1,                                      // one entry
+    1,    0x12, 0, 3,  0,   0,   0,   1,   0, 6,  // orientation, one number: turn it right
+    0,    0,    0, 0,  0,   0};                   // no more entries
+
+SPlace PlaceOf(const SPicture& picture, int column, int row)
+{
+    const bool lying = picture.mKind == EKind::Lying;
+    const int x = lying ? picture.mWidth - 1 - row : column;
+    const int y = lying ? column : row;
+    const float unit = 1 / static_cast<float>(picture.mHeight);
+    return {(static_cast<float>(x) + 0.5f) * unit, (static_cast<float>(y) + 0.5f) * unit,
+            static_cast<float>(picture.mWidth) * unit};
+}
 
 unsigned char ToByte(float part)
 {
-    return static_cast<unsigned char>(Clamp(part) * 255 + 0.5f);
+    return static_cast<unsigned char>(std::clamp(part, 0.0f, 1.0f) * 255 + 0.5f);
 }
 
-void SetPixel(CRgb* pixel, SColour colour)
+/// Draws into an image that has its size and its pixels. Of a grey picture the parts of a colour
+/// are the same.
+void Draw(const SPicture& picture, const CDataRect& image)
 {
-    pixel->mRed = ToByte(colour.mRed);
-    pixel->mGreen = ToByte(colour.mGreen);
-    pixel->mBlue = ToByte(colour.mBlue);
-}
-
-void SetPixel(SPixel1i<unsigned char>* pixel, SColour colour)
-{
-    pixel->mSamples[0] =
-        ToByte(0.299f * colour.mRed + 0.587f * colour.mGreen + 0.114f * colour.mBlue);
-}
-
-template <typename Tpixel>
-void Draw(const SPicture& picture, Tpixel* pixel)
-{
-    const float unit = 1 / static_cast<float>(picture.mHeight);
-    const float aspect = static_cast<float>(picture.mWidth) * unit;
-    for (int row = 0; row < picture.mHeight; ++row) {
-        const float y = (static_cast<float>(row) + 0.5f) * unit;
-        for (int column = 0; column < picture.mWidth; ++column) {
-            const float x = (static_cast<float>(column) + 0.5f) * unit;
-            SetPixel(pixel++, picture.mColourAt({x, y, aspect}));
+    unsigned char* samples = image.mData;
+    for (int row = 0; row < image.mHeight; ++row) {
+        for (int column = 0; column < image.mWidth; ++column) {
+            const SColour colour = picture.mColourAt(PlaceOf(picture, column, row));
+            const float parts[] = {colour.mRed, colour.mGreen, colour.mBlue};
+            samples = std::transform(parts, parts + image.mBits / 8, samples, ToByte);
         }
     }
 }
 
+/// Puts the tag behind the file's first marker.
+void AddLyingTag(const std::string& fileName)
+{
+    std::ifstream in(fileName, std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(in), {}};
+    bytes.insert(bytes.begin() + 2, std::begin(kLyingTag), std::end(kLyingTag));
+    std::ofstream out;
+    out.exceptions(std::ios::failbit | std::ios::badbit);
+    out.open(fileName, std::ios::binary);
+    out << bytes << std::flush;
+}
+
 void DrawFile(const SPicture& picture, const std::string& fileName)
 {
+    const bool lying = picture.mKind == EKind::Lying;
     CGraflibJpeg image;
     const CPixelOwner owner(&image);
     image.mQuality = kQuality;
-    image.mWidth = picture.mWidth;
-    image.mHeight = picture.mHeight;
-    image.mBits = picture.mBits;
+    image.mWidth = lying ? picture.mHeight : picture.mWidth;
+    image.mHeight = lying ? picture.mWidth : picture.mHeight;
+    image.mBits = picture.mKind == EKind::Grey ? 8 : 24;
     image.mData = new unsigned char[image.Bytes()];
-    if (picture.mBits == 8)
-        Draw(picture, reinterpret_cast<SPixel1i<unsigned char>*>(image.mData));
-    else
-        Draw(picture, reinterpret_cast<CRgb*>(image.mData));
+    Draw(picture, image);
     image.Write(fileName.c_str(), false, nullptr);
+    if (lying)
+        AddLyingTag(fileName);
 }
 
 }  // namespace

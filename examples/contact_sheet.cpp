@@ -16,6 +16,19 @@ constexpr int kPerRow = 5;
 constexpr int kThumb = 192;
 constexpr int kCell = kThumb + 8;
 
+/// Shrinks a picture until it fits a square. False when the scaler doesn't take it.
+bool ShrinkTo(CGraflib* image, int size)
+{
+    const int longer = std::max(image->mWidth, image->mHeight);
+    if (longer <= size)
+        return true;
+    // In 64 bits, and at least 1: neither side may wrap or vanish.
+    const auto side = [=](long long pixels) {
+        return static_cast<int>(std::max(1LL, pixels * size / longer));
+    };
+    return image->DownScaleFix2(side(image->mWidth), side(image->mHeight)) != nullptr;
+}
+
 /// Puts a small picture into a 24-bit one, in which it must have room.
 void Paste(const CDataRect& small, CDataRect* large, int left, int top)
 {

@@ -1,0 +1,28 @@
+"""A program is built with the installed library, by CMake and by pkg-config, and makes a thumbnail."""
+
+import pytest
+
+from support.gallery import PROJECT, do, jpeg, size_of
+
+SOURCE = PROJECT / "examples/make_thumbnail.cpp"
+
+
+def by_cmake(folder):
+    command = ["cmake", "-S", PROJECT / "tests/consumer", "-B", folder]
+    do(*command, f"-DCONSUMER_SOURCE={SOURCE}")
+    do("cmake", "--build", folder)
+    return folder / "consumer"
+
+
+def by_pkg_config(folder):
+    flags = do("pkg-config", "--static", "--cflags", "--libs", "tessel").split()
+    do("c++", "-std=c++20", SOURCE, "-o", folder / "consumer", *flags)
+    return folder / "consumer"
+
+
+@pytest.mark.parametrize("build_program", [by_cmake, by_pkg_config])
+def test_a_program_makes_a_thumbnail(tmp_path, build_program):
+    program = build_program(tmp_path)
+    (tmp_path / "picture.jpg").write_bytes(jpeg(300, 200))
+    do(program, tmp_path / "picture.jpg", tmp_path / "thumb.jpg", "96")
+    assert size_of(tmp_path / "thumb.jpg") == (96, 64)

@@ -1,0 +1,134 @@
+"""Folders of anything: a run ends normally, and every good picture gets its thumbnail."""
+
+import fcntl
+import os
+import signal
+import stat
+
+import pytest
+
+from support.gallery import make_socket
+
+AWKWARD_NAMES = {
+    "two words": b"a b",
+    "quotes": b"\"'",
+    "TAB": b"\t",
+    "line feed": b"\n",
+    "carriage return": b"\r",
+    "control characters": b"\1\177",
+    "percent": b"%41",
+    "number sign": b"#?",
+    "markup": b"<b>",
+    "entity": b"&amp",
+    "option": b"-tsize",
+    "nothing before the dot": b"",
+    "invalid UTF-8": b"\xff\xfe",
+    "backslash and dollar": b"\\n$x",
+    "255 bytes": b"n" * 251,
+}
+
+
+@pytest.mark.parametrize("name", AWKWARD_NAMES.values(), ids=AWKWARD_NAMES)
+def test_a_picture_gets_its_thumbnail_by_the_name_of(gallery, name):
+    name = os.fsdecode(name + b".jpg")
+    gallery.add(name)
+    assert gallery.run().status == 0
+    assert gallery.good_thumbs() == [name]
+
+
+def put_link(leads_to):
+    return lambda path: path.symlink_to(leads_to)
+
+
+@pytest.mark.parametrize(
+    "put",
+    [
+        pytest.param(os.mkfifo, id="FIFO"),
+        pytest.param(make_socket, id="socket"),
+        pytest.param(os.mkdir, id="folder"),
+        pytest.param(lambda path: path.write_bytes(b""), id="empty file"),
+        pytest.param(lambda path: path.write_text("text"), id="text"),
+        pytest.param(put_link("none"), id="dangling link"),
+        pytest.param(put_link("entry.jpg"), id="circle of links"),
+        pytest.param(put_link("/dev/zero"), id="device without an end"),
+    ],
+)
+def test_no_entry_holds_a_run_up(gallery, put):
+    gallery.add("a.jpg", "z.jpg")
+    put(gallery.folder / "entry.jpg")
+    outcome = gallery.run()
+    assert outcome.tried == ["a.jpg", "entry.jpg", "z.jpg"]
+    assert outcome.status == 0
+    assert sorted(os.listdir(gallery.thumbs)) == ["a.jpg", "tesselbase.txt", "z.jpg"]
+    assert gallery.good_thumbs() == ["a.jpg", "z.jpg"]
+
+
+def test_a_link_to_a_picture_is_a_picture(gallery, elsewhere):
+    (elsewhere / "picture").write_bytes(gallery.picture)
+    (gallery.folder / "link.jpg").symlink_to("../elsewhere/picture")
+    gallery.run()
+    assert gallery.good_thumbs() == ["link.jpg"]
+
+
+def test_a_damaged_picture_keeps_an_earlier_thumbnail(gallery):
+    gallery.add("x.jpg", time=5)
+    gallery.run()
+    gallery.add("x.jpg", content=b"text", time=6)
+    assert "Not a JPEG file" in gallery.run().output
+    assert gallery.good_thumbs() == ["x.jpg"]
+
+
+# What isn't written, and what still is, where something is in the way.
+@pytest.mark.parametrize("obstacle", ["index.html", "tessel/tesselbase.txt", "tessel/x.jpg"])
+def test_a_folder_in_the_place_of_a_file_loses_that_file_alone(gallery, obstacle):
+    gallery.add("x.jpg", "y.jpg")
+    (gallery.folder / obstacle).mkdir(parents=True)
+    outcome = gallery.run()
+    files = ["index.html", "tessel/tesselbase.txt", "tessel/x.jpg", "tessel/y.jpg"]
+    written = [name for name in files if (gallery.folder / name).is_file()]
+    assert written == [name for name in files if name != obstacle]
+    assert list((gallery.folder / obstacle).iterdir()) == []
+    assert outcome.tried == ["x.jpg", "y.jpg"]
+    assert outcome.status == 0
+
+
+def test_a_file_in_the_place_of_the_thumbnail_folder_leaves_the_page(gallery):
+    gallery.add("x.jpg")
+    gallery.thumbs.write_text("a file")
+    outcome = gallery.run()
+    assert outcome.status == 0
+    assert gallery.has_whole_page()
+    assert gallery.thumbs.read_text() == "a file"
+
+
+@pytest.mark.root
+def test_a_device_in_the_place_of_a_thumbnail_stays(gallery):
+    gallery.add("x.jpg")
+    gallery.thumbs.mkdir()
+    try:
+        os.mknod(gallery.thumbs / "x.jpg", 0o600 | stat.S_IFCHR, os.makedev(1, 3))
+    except PermissionError:
+        pytest.skip("no devices can be made here")
+    assert gallery.run().status == 0
+    assert (gallery.thumbs / "x.jpg").is_char_device()
+
+
+def test_a_picture_that_somebody_holds_a_lease_on_is_waited_for(gallery):
+    gallery.add("x.jpg")
+    given_up = []
+    with open(gallery.folder / "x.jpg", "r+b") as picture:
+
+        def give_up(*_):
+            fcntl.fcntl(picture, fcntl.F_SETLEASE, fcntl.F_UNLCK)
+            given_up.append("x.jpg")
+
+        before = signal.signal(signal.SIGIO, give_up)
+        try:
+            fcntl.fcntl(picture, fcntl.F_SETLEASE, fcntl.F_WRLCK)
+        except (AttributeError, OSError) as error:
+            pytest.skip(f"no leases: {error}")
+        outcome = gallery.run()
+        signal.signal(signal.SIGIO, before)
+    assert given_up == ["x.jpg"]
+    assert gallery.good_thumbs() == ["x.jpg"]
+    assert list(gallery.records()) == ["x.jpg"], outcome.output

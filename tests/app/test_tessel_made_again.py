@@ -1,0 +1,129 @@
+"""What a later run makes again, and what it leaves as it is."""
+
+import os
+import resource
+
+import pytest
+
+LONGS_OF_32_AND_64_BITS = (2**31 - 1, 2**33)
+
+
+@pytest.fixture
+def made(gallery):
+    """A gallery of two pictures that is up to date."""
+    gallery.add("a.jpg", time=1000000)
+    gallery.add("b.jpg", time=-200000)
+    gallery.run()
+    return gallery
+
+
+def test_a_run_with_nothing_to_do_changes_and_says_nothing(made):
+    before = made.state()
+    outcome = made.run()
+    assert outcome.output == ""
+    assert made.state() == before
+
+
+@pytest.mark.parametrize(
+    "time", [-199999, 0, 1000001, 2**33], ids=["a second", "zero", "later than any", "after 2038"]
+)
+def test_a_later_picture_is_made_once_more(made, time):
+    made.add("b.jpg", time=time)
+    assert made.run().tried == ["b.jpg"]
+    assert made.run().tried == []
+
+
+def test_a_time_that_no_long_holds_is_recorded_as_its_largest(made):
+    made.add("b.jpg", time=2**33)
+    made.run()
+    assert made.records()["b.jpg"] in LONGS_OF_32_AND_64_BITS
+
+
+def test_an_earlier_picture_keeps_thumbnail_and_record(made):
+    made.add("a.jpg", content=b"not even a picture", time=5)
+    assert made.run().tried == []
+    assert made.good_thumbs() == ["a.jpg", "b.jpg"]
+    assert made.records() == {"a.jpg": 1000000, "b.jpg": -200000}
+
+
+def test_a_picture_that_is_gone_leaves_thumbnail_and_record(made):
+    (made.folder / "b.jpg").unlink()
+    assert made.run().output == ""
+    assert made.good_thumbs() == ["a.jpg", "b.jpg"]
+    assert made.records() == {"a.jpg": 1000000, "b.jpg": -200000}
+    assert b"b.jpg" not in made.page.read_bytes()
+
+
+def test_without_the_database_all_are_made_again(made):
+    (made.thumbs / "a.jpg").write_bytes(b"to be written anew, and longer than any thumbnail" * 1000)
+    before = made.database.read_bytes()
+    made.database.unlink()
+    assert made.run().tried == ["a.jpg", "b.jpg"]
+    assert made.good_thumbs() == ["a.jpg", "b.jpg"]
+    assert made.database.read_bytes() == before
+
+
+def test_a_picture_that_failed_is_tried_again_only_when_it_is_later(gallery):
+    gallery.add("x.jpg", content=b"text", time=5)
+    gallery.run()
+    gallery.add("x.jpg", time=5)
+    assert gallery.run().tried == []
+    gallery.add("x.jpg", time=6)
+    gallery.run()
+    assert gallery.good_thumbs() == ["x.jpg"]
+
+
+# Records are found by eight characters at a time behind what all names have in common.
+RELATED_NAMES = ["tog", "together", "together 1", "together 1.jpg", "together 12345678"]
+RELATED_NAMES += ["together 123456789", os.fsdecode(b"tog\xff"), "tog\x7f"]
+RELATED_NAMES += [f"together 1234{letter}" for letter in "abcdefghij"]
+
+
+@pytest.mark.parametrize("name", RELATED_NAMES, ids=ascii)
+def test_each_of_related_names_has_its_own_record(gallery, name):
+    gallery.add(*(f"{related}.jpg" for related in RELATED_NAMES), time=5)
+    gallery.run()
+    with gallery.database.open("a") as database:
+        database.write("a\t9\ntogether 1\t9\ntogether 12345678\t9\nz\t9\n")
+    gallery.add(f"{name}.jpg", time=6)
+    assert gallery.run().tried == [f"{name}.jpg"]
+    assert gallery.run().tried == []
+
+
+def repeated(text):
+    return (text * (50_000_000 // len(text) + 1))[:50_000_000]
+
+
+@pytest.mark.slow
+@pytest.mark.parametrize(
+    "content",
+    [
+        b"\0" * 50_000_000,
+        b"\t" * 50_000_000,
+        b"9" * 50_000_000,
+        b"\n" * 50_000_000,
+        repeated(b"x.jpg 9\n"),
+        b"".join(b"%d.jpg\t1\n" % number for number in range(1_000_000)),
+    ],
+    ids=["zeros", "TABs", "one name", "empty lines", "lines without a TAB", "records"],
+)
+def test_a_large_file_of_anything_is_read_as_a_database(gallery, content):
+    gallery.add("x.jpg")
+    gallery.thumbs.mkdir()
+    gallery.database.write_bytes(content)
+    gallery.run()
+    assert gallery.good_thumbs() == ["x.jpg"]
+    healed = gallery.database.read_bytes()
+    assert gallery.run().tried == []
+    assert gallery.database.read_bytes() == healed
+
+
+@pytest.mark.slow
+@pytest.mark.native
+def test_a_hundred_thousand_entries_are_done_on_a_small_stack(gallery):
+    gallery.add("last.jpg")
+    gallery.add(*(f"{number}.jpg" for number in range(100_000)), content=b"")
+    gallery.run(limits={resource.RLIMIT_STACK: 256 * 1024})
+    assert gallery.good_thumbs() == ["last.jpg"]
+    assert gallery.has_whole_page()
+    assert len(gallery.records()) == 100_001

@@ -1,0 +1,240 @@
+"""Galleries in Chromium, over http and from files; script/test --browser runs this."""
+
+import functools
+import http.server
+import itertools
+import math
+import os
+import pathlib
+import shutil
+import statistics
+import subprocess
+import tempfile
+import threading
+
+import pytest
+
+webdriver = pytest.importorskip("selenium.webdriver")
+chrome_service = pytest.importorskip("selenium.webdriver.chrome.service")
+connection = pytest.importorskip("selenium.webdriver.remote.remote_connection")
+
+pytestmark = pytest.mark.chromium
+
+CHROMIUM = "/usr/bin/chromium"
+FLAGS = """--headless=new --disable-gpu --disable-dev-shm-usage --disable-quic --no-first-run
+    --disable-background-networking --disable-component-update --disable-sync --no-proxy-server
+    --allow-file-access-from-files""".split()
+SECONDS = 30  # for a page or a script
+
+SIZE = 100  # not the default: the option has to arrive
+CELLS_PER_ROW = 5
+# How far a thumbnail's row may be, of 255, from the mean of the picture's rows: the scaler's steps
+# are coarse for large pictures, and a sharp edge may lie a tenth of a row off.
+TOLERANCE = 12
+
+WAYS = ["http", "http with charset", "file"]
+# The names of which all this works, and nothing else; docs/names.md says why.
+NAMES = {
+    "thumbnail link name": [
+        b"two words.jpg",
+        b"it's.jpg",
+        b"a>b.jpg",
+        b"a&b.jpg",
+        b"100%.jpg",
+        b"12:30.jpg",
+        b"a b:c.jpg",
+        b"a;b+c=d,e!f(g)[h]{i}~$@^`|*.jpg",
+        "ä.jpg".encode(),
+    ],
+    "thumbnail link": [b"two  blanks.jpg", b"a<b.jpg", b"a&copyb.jpg"],
+    "thumbnail name": [b"abc:def.jpg"],
+    "thumbnail": [b" leading.jpg"],
+    "name": [b'a"b.jpg', b"a#b.jpg", b"a?b.jpg", b"a%41b.jpg", b"a\\b.jpg"],
+    "": [b"a&copy.jpg", b"a&amp;b.jpg", b"a\tb.jpg", "ä.jpg".encode("latin-1")],
+}
+# With these, nothing works over http unless the server says in which charset the page is.
+NEED_CHARSET = ["ä.jpg".encode()]
+
+ROWS = """
+    return [...document.querySelector('table').rows]
+        .map(row => [...row.cells].map(cell => cell.innerText.trim()));"""
+CELL = """
+    const cell = document.querySelectorAll('td')[arguments[0]];
+    const image = cell.querySelector('img');
+    return {'name': cell.querySelector('font').innerText, 'link': cell.querySelector('a').href,
+            'image': image, 'size': [image.naturalWidth, image.naturalHeight]};"""
+# The mean brightness of each row of an image. Where it was left empty, the white behind it shows.
+BRIGHTNESS = """
+    const image = arguments[0];
+    const [width, height] = [image.naturalWidth, image.naturalHeight];
+    const context = new OffscreenCanvas(width, height).getContext('2d');
+    context.fillStyle = 'white';
+    context.fillRect(0, 0, width, height);
+    context.drawImage(image, 0, 0);
+    const weights = [0.299, 0.587, 0.114, 0].map(weight => weight / width);
+    const rows = new Array(height).fill(0);
+    context.getImageData(0, 0, width, height).data.forEach((sample, i) => {
+        rows[Math.floor(i / (4 * width))] += weights[i % 4] * sample;
+    });
+    return rows;"""
+
+
+class PlainHandler(http.server.SimpleHTTPRequestHandler):
+    def log_message(self, *_):
+        pass
+
+
+class CharsetHandler(PlainHandler):
+    extensions_map = {**PlainHandler.extensions_map, ".html": "text/html; charset=utf-8"}
+
+
+@pytest.fixture(scope="module")
+def browser(session_work):
+    if not os.path.exists(CHROMIUM):
+        pytest.skip("Chromium isn't installed")
+    connection.RemoteConnection.set_timeout(2 * SECONDS)
+    options = webdriver.ChromeOptions()
+    options.binary_location = CHROMIUM
+    for flag in [*FLAGS, f"--user-data-dir={session_work}/profile"]:
+        options.add_argument(flag)
+    if os.geteuid() == 0:
+        options.add_argument("--no-sandbox")
+    service = chrome_service.Service("/usr/bin/chromedriver")
+    browser = webdriver.Chrome(options=options, service=service)
+    browser.set_page_load_timeout(SECONDS)
+    browser.set_script_timeout(SECONDS)
+    yield browser
+    browser.quit()
+
+
+@pytest.fixture(scope="module")
+def root(session_work):
+    """The folder whose contents are served."""
+    (session_work / "galleries").mkdir()
+    return session_work / "galleries"
+
+
+@pytest.fixture(scope="module")
+def addresses(root):
+    """The address of the root by each way."""
+    servers = []
+    for handler in PlainHandler, CharsetHandler:
+        handler = functools.partial(handler, directory=root)
+        servers.append(http.server.ThreadingHTTPServer(("127.0.0.1", 0), handler))
+        threading.Thread(target=servers[-1].serve_forever, daemon=True).start()
+    urls = [f"http://127.0.0.1:{server.server_port}" for server in servers]
+    yield dict(zip(WAYS, [*urls, root.as_uri()]))
+    for server in servers:
+        server.shutdown()
+        server.server_close()
+
+
+@pytest.fixture(scope="module")
+def drawn(build, session_work):
+    """The drawn pictures, by their names."""
+    folder = session_work / "drawn"
+    command = [build / "demo/draw_pictures", folder]
+    subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
+    return {path.name: path for path in sorted(folder.iterdir())}
+
+
+@pytest.fixture
+def folder(root):
+    folder = pathlib.Path(tempfile.mkdtemp(dir=root))
+    yield folder
+    shutil.rmtree(folder)
+
+
+@pytest.fixture
+def page_of(tessel, folder, addresses):
+    """Makes a gallery of copies, {name: picture}, and returns its page's address by a way."""
+
+    def page_of(pictures, way):
+        for name, picture in pictures.items():
+            shutil.copy(picture, folder / os.fsdecode(name))
+        tessel.run("-tsize", str(SIZE), folder)
+        return f"{addresses[way]}/{folder.name}/index.html"
+
+    return page_of
+
+
+def shown_picture(browser):
+    """The picture that the browser shows by itself, or None."""
+    if browser.execute_script("return document.contentType") != "image/jpeg":
+        return None
+    return browser.find_element("tag name", "img")
+
+
+def shrink(rows, count):
+    """Averages rows until there are so many; a row on the border of two counts in both."""
+    step = len(rows) / count
+    return [statistics.fmean(rows[int(i * step) : math.ceil((i + 1) * step)]) for i in range(count)]
+
+
+def check_thumbnail(browser, index):
+    """Compares one thumbnail to the picture that it leads to, in size and brightness."""
+    cell = browser.execute_script(CELL, index)
+    assert min(cell["size"]) > 0, f"{cell['name']}: the thumbnail can't be shown"
+    rows = browser.execute_script(BRIGHTNESS, cell["image"])
+    cell["image"].click()
+    picture = shown_picture(browser)
+    assert picture, f"{cell['name']}: the link leads to no picture"
+    assert browser.current_url.endswith("/" + cell["name"])
+    full = [int(picture.get_property(side)) for side in ("naturalWidth", "naturalHeight")]
+    assert cell["size"] == [SIZE * side // max(full) for side in full], cell["name"]
+    expected = shrink(browser.execute_script(BRIGHTNESS, picture), len(rows))
+    assert rows == pytest.approx(expected, abs=TOLERANCE), cell["name"]
+
+
+@pytest.mark.parametrize("way", ["http", "file"])
+@pytest.mark.parametrize("count", [0, 1, 5, 6, 13])
+def test_every_thumbnail_is_whole_and_leads_to_its_picture(browser, page_of, drawn, count, way):
+    # Not the largest, and not the one that grows: it has sharp edges only.
+    pictures = itertools.cycle(list(drawn.values())[1:-1])
+    names = [f"{number:02}.jpg" for number in range(count)]
+    page = page_of(dict(zip(names, pictures)), way)
+    browser.get(page)
+    rows = browser.execute_script(ROWS)
+    full, rest = divmod(count, CELLS_PER_ROW)
+    assert [len(row) for row in rows] == [CELLS_PER_ROW] * full + [rest] * (rest > 0)
+    assert sorted(itertools.chain(*rows)) == names
+    for index in range(count):
+        browser.get(page)
+        check_thumbnail(browser, index)
+
+
+@pytest.mark.parametrize("way", WAYS)
+@pytest.mark.parametrize(
+    "works, name", [(works, name) for works, names in NAMES.items() for name in names], ids=ascii
+)
+def test_of_an_awkward_name_works(browser, page_of, drawn, works, name, way):
+    page = page_of({name: drawn["10_small_boat.jpg"]}, way)
+    browser.get(page)
+    cell = browser.execute_script(CELL, 0)
+    browser.get(cell["link"])
+    found = {
+        "thumbnail": cell["size"][0] > 0,
+        "link": shown_picture(browser) is not None,
+        "name": cell["name"] == os.fsdecode(name),
+    }
+    if way == "http" and name in NEED_CHARSET:
+        works = ""
+    assert " ".join(what for what, good in found.items() if good) == works
+
+
+@pytest.mark.parametrize("way", WAYS)
+def test_the_page_of_galleries_leads_to_each(browser, build, folder, drawn, addresses, way):
+    for name in "10 & <b>", "2#?", "a%41\"'", "ä", "one", "x\ny":
+        (folder / name).mkdir()
+        shutil.copy(drawn["10_small_boat.jpg"], folder / name)
+    subprocess.run([build / "tessel-tree", "--page", folder], check=True, stdout=subprocess.DEVNULL)
+    page = f"{addresses[way]}/{folder.name}/galleries.html"
+    browser.get(page)
+    cells = [cell.text.strip() for cell in browser.find_elements("tag name", "td")]
+    assert cells == ["2#?: 1", "10 & <b>: 1", "a%41\"': 1", "one: 1", "x y: 1", "ä: 1"]
+    for index in range(len(cells)):
+        browser.get(page)
+        image = browser.find_elements("tag name", "img")[index]
+        assert image.get_property("naturalWidth") > 0, cells[index]
+        image.click()
+        assert len(browser.find_elements("tag name", "td")) == 1, cells[index]

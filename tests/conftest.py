@@ -1,0 +1,136 @@
+"""Options, marks and fixtures of the tests of the programs. HACKING.md says how a test is written."""
+
+import contextlib
+import os
+import pathlib
+import shlex
+import shutil
+import subprocess
+import tempfile
+
+import pytest
+
+from support.gallery import NOBODY, PROJECT, Gallery, Program, jpeg
+from support.pages import Reader
+
+
+def pytest_addoption(parser):
+    parser.addoption("--build", default="build/release", help="the folder that tessel is built in")
+    parser.addoption("--tessel", help="the program, also as 'EMULATOR... PATH'")
+    parser.addoption("--slow", action="store_true", help="run what is slow as well")
+
+
+def pytest_collection_modifyitems(config, items):
+    for item in items:
+        if item.get_closest_marker("slow") and not config.getoption("--slow"):
+            item.add_marker(pytest.mark.skip("slow: runs with --slow"))
+        if item.get_closest_marker("root") and os.geteuid() != 0:
+            item.add_marker(pytest.mark.skip("takes the superuser"))
+
+
+@pytest.fixture(scope="session")
+def build(pytestconfig):
+    return (PROJECT / pytestconfig.getoption("--build")).resolve()
+
+
+@contextlib.contextmanager
+def open_folder():
+    """A new folder that every user may enter. Nobody else may enter pytest's own."""
+    folder = pathlib.Path(tempfile.mkdtemp(prefix="tessel-"))
+    folder.chmod(0o755)
+    try:
+        yield folder
+    finally:
+        subprocess.run(["chmod", "-R", "u+rwx", folder], check=True)
+        shutil.rmtree(folder)
+
+
+@pytest.fixture
+def work():
+    with open_folder() as folder:
+        yield folder
+
+
+@pytest.fixture(scope="session")
+def session_work():
+    with open_folder() as folder:
+        yield folder
+
+
+@pytest.fixture(scope="session")
+def tessel(pytestconfig, build, session_work):
+    """The program: a copy, as other users may not reach the folder that it is built in."""
+    *emulator, path = shlex.split(pytestconfig.getoption("--tessel") or str(build / "tessel"))
+    return Program([*emulator, shutil.copy(path, session_work)])
+
+
+@pytest.fixture(autouse=True)
+def native(request):
+    """Skips what is marked native where the program takes more to start than what is left to it."""
+    if request.node.get_closest_marker("native"):
+        *emulator, path = request.getfixturevalue("tessel").words
+        if emulator:
+            pytest.skip(f"an emulator takes more: {emulator[0]}")
+        if b"__asan_init" in pathlib.Path(path).read_bytes():
+            pytest.skip("sanitizers take more")
+
+
+@pytest.fixture(scope="session")
+def picture():
+    """A picture that a default thumbnail is smaller than, in grey."""
+    return jpeg(300, 200)
+
+
+@pytest.fixture(scope="session")
+def thumbnail(tessel, picture, session_work):
+    """What the program makes of the picture, in a folder where all is well."""
+    folder = session_work / "gallery"
+    folder.mkdir()
+    (folder / "x.jpg").write_bytes(picture)
+    tessel.run(folder)
+    return (folder / "tessel/x.jpg").read_bytes()
+
+
+@pytest.fixture
+def gallery(tessel, picture, thumbnail, work):
+    """An empty folder to be made a gallery of."""
+    folder = work / "gallery"
+    folder.mkdir()
+    return Gallery(tessel, folder, picture, thumbnail)
+
+
+@pytest.fixture
+def elsewhere(work):
+    """A folder beside the gallery, which no run may change but as a link allows."""
+    folder = work / "elsewhere"
+    folder.mkdir()
+    return folder
+
+
+@pytest.fixture(scope="session")
+def stranger(tessel):
+    """The circumstances of a run by a user who may not change everything: for the superuser, that
+    is somebody else."""
+    circumstances = {"user": NOBODY} if os.geteuid() == 0 else {}
+    try:
+        tessel.run(**circumstances)
+    except PermissionError:
+        pytest.skip("another user can't run the program")
+    return circumstances
+
+
+@pytest.fixture
+def reader(build, work, picture):
+    return Reader(work, build, picture)
+
+
+@pytest.fixture
+def need():
+    """Skips a test where a program that it takes isn't installed."""
+
+    def need(*programs):
+        for program in programs:
+            if not shutil.which(program):
+                pytest.skip(f"{program} isn't installed")
+
+    return need

@@ -1,0 +1,180 @@
+"""What the tests of the programs share: runs of a program, galleries, and what is in folders."""
+
+import contextlib
+import dataclasses
+import hashlib
+import os
+import pathlib
+import resource
+import signal
+import socket
+import stat
+import subprocess
+
+PROJECT = pathlib.Path(__file__).resolve().parents[2]
+SECONDS = 120  # for one run, also on an emulator
+NOBODY = 65534
+
+
+@dataclasses.dataclass
+class Outcome:
+    """How a run ended, and what it printed: standard output and standard error, as they came."""
+
+    status: int
+    output: str
+
+    @property
+    def tried(self):
+        """The pictures that the run made or tried, in alphabetical order."""
+        lines = self.output.splitlines()
+        return sorted(line.rpartition("/")[2] for line in lines if line.startswith("Reading "))
+
+
+def under(limits, closed, user, umask):
+    """A function that puts a process under these circumstances before it becomes the program."""
+
+    def prepare():
+        for descriptor in range(3, 256):  # which count where descriptors are limited
+            with contextlib.suppress(OSError):
+                os.set_inheritable(descriptor, False)
+        if umask is not None:
+            os.umask(umask)
+        if user is not None:
+            os.setgroups([])
+            os.setgid(user)
+            os.setuid(user)
+        for kind, value in limits.items():
+            resource.setrlimit(kind, (value, value))
+        if resource.RLIMIT_FSIZE in limits:
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+        for descriptor in closed:
+            os.close(descriptor)
+
+    return prepare
+
+
+def do(*command, folder=None, **environment):
+    """Runs a command that may not fail, and returns what it prints."""
+    done = subprocess.run(
+        command,
+        cwd=folder,
+        env=os.environ | environment,
+        stdin=subprocess.DEVNULL,
+        stdout=subprocess.PIPE,
+        stderr=subprocess.STDOUT,
+    )
+    output = os.fsdecode(done.stdout)
+    assert done.returncode == 0, f"{command}\nprints:\n{output}"
+    return output
+
+
+class Program:
+    """A program, by the words that call it: an emulator may stand before its path."""
+
+    def __init__(self, words):
+        self.words = words
+
+    def start(self, *arguments, folder=None, prefix=(), output=subprocess.PIPE, **circumstances):
+        """Starts a run in a folder, behind the words of `prefix`. Of circumstances there are
+        `limits`, as resource.setrlimit takes them, `closed` descriptors, a `user` and a `umask`."""
+        every = {"limits": {}, "closed": (), "user": None, "umask": None} | circumstances
+        return subprocess.Popen(
+            [*prefix, *self.words, *arguments],
+            cwd=folder,
+            stdin=subprocess.DEVNULL,
+            stdout=output,
+            stderr=subprocess.STDOUT,
+            preexec_fn=under(**every) if circumstances else None,
+        )
+
+    def run(self, *arguments, **circumstances):
+        with self.start(*arguments, **circumstances) as process:
+            try:
+                output = process.communicate(timeout=SECONDS)[0]
+            except subprocess.TimeoutExpired:
+                process.kill()
+                raise
+            return Outcome(process.returncode, os.fsdecode(output or b""))
+
+
+class Gallery:
+    """A folder of pictures, all of them the same one, and what the program makes of it."""
+
+    def __init__(self, program, folder, picture, thumbnail):
+        self.program = program
+        self.folder = folder
+        self.picture = picture
+        self.thumbnail = thumbnail
+        self.thumbs = folder / "tessel"
+        self.page = folder / "index.html"
+        self.database = self.thumbs / "tesselbase.txt"
+
+    def add(self, *names, content=None, time=None):
+        """Puts pictures into the folder, or files of another content."""
+        for name in names:
+            path = self.folder / name
+            path.write_bytes(self.picture if content is None else content)
+            if time is not None:
+                os.utime(path, (time, time))
+
+    def run(self, *arguments, **circumstances):
+        """Runs the program in the folder; without arguments, for the folder."""
+        return self.program.run(*arguments or ["."], folder=self.folder, **circumstances)
+
+    def good_thumbs(self):
+        """The names of the thumbnails that are those of the picture, to the byte."""
+        files = (path for path in self.thumbs.iterdir() if path.is_file())
+        return sorted(path.name for path in files if path.read_bytes() == self.thumbnail)
+
+    def records(self):
+        """What the database holds: {name: time}."""
+        lines = os.fsdecode(self.database.read_bytes()).split("\n")
+        return {name: int(time) for name, _, time in (line.partition("\t") for line in lines[:-1])}
+
+    def has_whole_page(self):
+        """True where the page is there to its end."""
+        return self.page.is_file() and self.page.read_bytes().endswith(b"</body></html>\n\n")
+
+    def state(self):
+        return state_of(self.folder)
+
+
+def describe(path):
+    """What lies there, in a line: kind, mode, owner, and what it holds or leads to."""
+    status = path.lstat()
+    if stat.S_ISLNK(status.st_mode):
+        return f"link to {os.readlink(path)}"
+    words = f"{stat.filemode(status.st_mode)} {status.st_uid}:{status.st_gid}"
+    if not stat.S_ISREG(status.st_mode):
+        return words
+    content = path.read_bytes()
+    if len(content) > 1000 or not content.isascii():
+        content = f"{len(content)} bytes, {hashlib.sha256(content).hexdigest()[:16]}"
+    return f"{words} {content}"
+
+
+def state_of(folder):
+    """All that lies in and below a folder, itself included, as a dictionary to compare."""
+    return {
+        str(path.relative_to(folder)): describe(path)
+        for path in [folder, *sorted(pathlib.Path(folder).rglob("*"))]
+    }
+
+
+def make_socket(path):
+    socket.socket(socket.AF_UNIX).bind(os.fspath(path))
+
+
+def jpeg(width, height, *options, depth=1):
+    """A picture of two greys by turns, or three samples deep, as cjpeg makes it with options."""
+    samples = (b"y\n" * (width * height * depth // 2 + 1))[: width * height * depth]
+    head = b"P%d %d %d 255\n" % (5 if depth == 1 else 6, width, height)
+    return subprocess.run(
+        ["cjpeg", *options], input=head + samples, stdout=subprocess.PIPE, check=True
+    ).stdout
+
+
+def size_of(path):
+    """Width and height of a picture, as djpeg reads it."""
+    pixels = subprocess.run(["djpeg", path], stdout=subprocess.PIPE, check=True).stdout
+    return tuple(int(side) for side in pixels.split(maxsplit=3)[1:3])
