@@ -34,14 +34,14 @@ def test_the_database_is_read_and_written_as_in_the_example(reader):
 # What the page says that is read, what is in a file, and what is written then.
 READ = {
     "records in any order": ("z\t7\nA\t1\nb\t2\n", "A\t1\nb\t2\nz\t7\n"),
-    "two records of a name": ("a\t1\na\t3\n", "a\t1\n"),
+    "two records of one name": ("a\t1\na\t3\n", "a\t1\n"),
     "carriage returns": ("a\t1\r\n\rb\r\t2\n", "a\t1\nb\t2\n"),
-    "a second TAB and what follows it": ("a\t1\tmore\nb\t2\t\t3\n", "a\t1\nb\t2\n"),
-    "white space or a plus sign before the time, other characters behind it": (
+    "a second TAB and text after it": ("a\t1\tmore\nb\t2\t\t3\n", "a\t1\nb\t2\n"),
+    "white space or a plus sign before the time, other characters after it": (
         "a\t 1\nb\t+2\nc\t3 more\nd\t-4px\n",
         "a\t1\nb\t2\nc\t3\nd\t-4\n",
     ),
-    "a time that begins with no number, or with one of more than 64 bits": (
+    "a time without a number, or with a number of more than 64 bits": (
         "a\tx1\nb\t\nc\t9223372036854775808\n",
         "a\t0\nb\t0\nc\t0\n",
     ),
@@ -61,5 +61,5 @@ def test_read_is(gallery, content, written):
 
 def test_every_row_of_the_table_is_tested():
     rows = re.findall(r"^\| (.*?) \| ", (PROJECT / PAGE).read_text(), re.M)
-    assert rows[0] == "in the file"
+    assert rows[0] == "the file contains"
     assert rows[1:] == list(READ)

@@ -29,7 +29,7 @@ def test_what_is_built_and_installed_by_its_commands_runs(reader, need):
         if entry.name not in ("build", ".git"):
             (reader.folder / entry.name).symlink_to(entry)
     reader.replace("sudo", 'exec "$@" --simulate')
-    install, _ = blocks_of(PAGE, "sh", "Install it")
+    [install] = blocks_of(PAGE, "sh", "Install it")
     reader.do(install)
     (reader.folder / "installed").symlink_to(reader.folder / ".local/bin")
     assert "Version" in reader.do("installed/tessel")

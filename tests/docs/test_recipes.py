@@ -24,22 +24,6 @@ def test_there_is_a_test_of(heading):
     assert f'"{heading}"' in pathlib.Path(__file__).read_text()
 
 
-def test_a_tree_of_folders(reader, need):
-    need("parallel")
-    reader.follow(PAGE, "A tree of folders")
-    pages = sorted(str(path.relative_to(reader.photos)) for path in reader.photos.rglob("*.html"))
-    assert pages == ["2023/index.html", "galleries.html", "index.html", "it's summer/index.html"]
-    assert (reader.photos / "galleries.html").read_text().count("<td>") == 3
-    assert (reader.photos / "2023/tessel/harbour.JPG").exists()
-
-
-def test_many_machines(reader, need):
-    need("parallel")
-    reader.follow(PAGE, "Many machines")
-    assert (reader.photos / "tessel/beach.jpg").exists()
-    assert (reader.photos / "it's summer/tessel/late  sun.jpg").exists()
-
-
 def test_never_two_at_once(reader, need):
     need("flock")
     [command] = blocks_of(PAGE, "sh", "Never two at once")
@@ -128,13 +112,6 @@ def test_moving_a_gallery(reader, need):
     assert re.findall("^Reading .*", said, re.M) == ["Reading photos/beach.jpg"]
     assert (reader.folder / "elsewhere/tessel/beach.jpg").exists()
     assert (reader.folder / "elsewhere/index.html").exists()
-
-
-def test_how_far_a_run_is(reader, picture):
-    reader.do("tessel photos")
-    for name in "a  b.JPG", "c\n.jpg":
-        (reader.photos / name).write_bytes(picture)
-    assert reader.follow(PAGE, "How far a run is") == "\r1 of 3\r2 of 3\n"
 
 
 def test_publishing_at_web_size(reader, picture):
