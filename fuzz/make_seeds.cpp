@@ -121,8 +121,7 @@ void SavePictures(const fs::path& folder)
 void SaveDbases(const fs::path& folder)
 {
     fs::create_directories(folder);
-    const char* const kTexts[] = {"",
-                                  "a.jpg\t1234567890\nb.jpg\t-5\r\n",
+    const char* const kTexts[] = {"", "a.jpg\t1234567890\nb.jpg\t-5\r\n",
                                   "a.jpg\t1\na.jpg\t2\nc\t9\tmore\n",
                                   "no tab\n\t7\nx\t99999999999999999999\ny\tz\n"};
     int number = 0;
