@@ -59,7 +59,11 @@ TEST_F(CGraphicsJpegTest, NoReadLeavesAFileOpen)
         mJpeg.mReadOffset = row.mOffset;
         const long before = OpenDescriptors();
         bool isRead = false;
-        OutputOf([&] { isRead = Read(); });
+        OutputOf([&] {
+            isRead = Read();
+            short side = 0;
+            mJpeg.GetJpegSize(mPath, &side, &side, nullptr);
+        });
         EXPECT_EQ(isRead, row.mIsRead) << row.mName;
         EXPECT_EQ(OpenDescriptors(), before) << row.mName << ": descriptors in use";
     }
