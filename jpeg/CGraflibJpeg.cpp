@@ -84,7 +84,7 @@ void CGraflibJpeg::SetUpRead(CGraphicsJpeg& jpeg) const
 void CGraflibJpeg::TakeProfile(CGraphicsJpeg& jpeg)
 {
     if (mKeepProfile)
-        mProfile = std::exchange(jpeg.mProfile, {});
+        mProfile = std::move(jpeg.mProfile);
 }
 
 bool CGraflibJpeg::Write(const char* fileName, bool /*unused*/, CFileIO* /*unused*/)

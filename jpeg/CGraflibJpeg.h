@@ -36,19 +36,21 @@ public:
     int mQuality = 80;                   ///< of the files written, 0 to 100
     CGraphicsJpeg* mLineJpeg = nullptr;  ///< owned: the line-wise operations', null until needed
 
-    /// How many warnings libjpeg has given, on standard error or left out there, about the picture
-    /// last read: 0 for a whole picture, at least 1 for one that was cut short. Of one that is read
-    /// line by line it is known in the end.
+    /// How many warnings libjpeg has given about the picture last read: at least 1 for one that was
+    /// cut short, 0 for one without damage. Each read counts anew. A read by lines is complete, and
+    /// so is its number, when it is closed. (On standard error libjpeg shows only the first.)
     long mWarnings = 0;
-    /// Read and OpenReadLine let libjpeg reduce the picture to the smallest of a half, a quarter
-    /// and an eighth that leaves its longer side at least this many pixels, or not at all; 0 for
-    /// never. That is much faster; the record then has the reduced size.
+    /// Read and OpenReadLine let libjpeg reduce a picture to a half, a quarter or an eighth while
+    /// it decodes: the smallest that leaves the longer side at least this many pixels. The record
+    /// then has the reduced size. 0: pictures are never reduced. Reducing is much faster than
+    /// decoding the whole picture.
     int mLeastSide = 0;
     bool mKeepProfile = false;  ///< Read and OpenReadLine leave the picture's profile in mProfile
-    /// A colour profile (ICC), which says what red, green and blue mean. What is written gets it,
-    /// unless it is empty. With mKeepProfile it is that of the picture last opened: empty if that
-    /// has none, a damaged one, one above 4 MiB, or not three components, because a profile of grey
-    /// or four channels doesn't fit what is written.
+    /// A colour profile (ICC), which says what red, green and blue mean. All that is written gets
+    /// it, unless it is empty. With mKeepProfile it is that of the picture last opened: empty when
+    /// the picture has none, a damaged one, or one above CGraphicsJpeg::kMaxProfileBytes; and when
+    /// the picture isn't of three components, because its profile then doesn't fit red, green,
+    /// blue.
     std::vector<unsigned char> mProfile;
 
     /// Reads a file into a new buffer. True; throws CGraflibException (GLIB_ERR_READ) when that
@@ -63,8 +65,8 @@ public:
     /// throws GLIB_ERR_WRITE before anything is written for what CanWrite refuses.
     bool Write(std::FILE* stream);
 
-    /// True when Write takes the record: it has a buffer, a depth of 8, 24 or 32, sides of 1 to
-    /// 32767, and a profile of at most 4 MiB.
+    /// True when Write takes the record: it has a buffer, a depth of 8, 24 or 32, sides from 1 to
+    /// 32767, and a profile of at most CGraphicsJpeg::kMaxProfileBytes.
     bool CanWrite() const;
 
     /// Opens a file for ReadLine and sets size and depth, leaving the buffer alone. True; throws
@@ -73,8 +75,7 @@ public:
     bool OpenReadLine(const char* fileName) override;
     /// Stores the next row, mWidth * mBits / 8 bytes, at `line`: true mHeight times, then false.
     /// A row that can't be decoded closes the read: false from then on. A picture that was cut
-    /// short gives all its rows, those that are missing in grey; only libjpeg's message on standard
-    /// error tells.
+    /// short gives all its rows, those that are missing in grey: mWarnings tells.
     bool ReadLine(void* line) override;
     /// Ends the read, at the last row or before.
     void CloseReadLine() override;

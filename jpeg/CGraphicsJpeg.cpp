@@ -52,10 +52,8 @@ bool ReadHeader(SJpegState& state, bool keepProfile)
         SetLimits(state);
         SetInput(state);
         if (keepProfile)
-            BeginProfile(state);
+            CollectProfile(state);
         jpeg_read_header(&state.mDecompressor, TRUE);
-        if (keepProfile)
-            EndProfile(state);
     });
     if (!ok)
         ReleaseRead(state);

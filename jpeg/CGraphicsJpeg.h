@@ -40,18 +40,18 @@ public:
     /// and rarely a hundred. One scan is always read.
     static constexpr std::uint64_t kMaxScannedPixels = 2'500'000'000;
     static constexpr std::uint64_t kMaxScans = 500;  ///< whatever the picture's size
-    /// In arithmetic coding a few hundred bytes can keep the decoder busy for as long as the
-    /// picture is large: sizes and scans are limited to what takes this long at worst. What
-    /// encoders make of 27 megapixels in one scan, and of 19 in ten, is within it, at half the
-    /// columns and rows for the colours.
+    /// In arithmetic coding, a few hundred bytes can keep the decoder busy with all pixels that the
+    /// header claims. Size and scans of a picture may take it this long at worst. Encoders'
+    /// pictures of 27 megapixels in one scan, and of 19 in ten, are within that, if the colours
+    /// have half the columns and rows.
     static constexpr int kMaxArithmeticSeconds = 5;
-    /// The memory that libjpeg may take, unless the environment says otherwise (JPEGMEM, where
-    /// libjpeg knows that). A picture in several scans takes two bytes a sample: 150 megapixels at
-    /// half the columns and rows for the colours, 89 at all of them.
+    /// The memory that libjpeg may take. The environment can set another limit (JPEGMEM, where
+    /// libjpeg looks for it). A picture in several scans takes two bytes a sample, so that 150
+    /// megapixels fit if the colours have half the columns and rows, and 89 if they have all.
     static constexpr long kMaxDecoderBytes = 512L << 20;
 
-    /// Profiles of cameras, screens and printers have some hundred bytes to a megabyte or two. A
-    /// file could hold 16 megabytes, which would then be in each thumbnail that is made.
+    /// Profiles of cameras, screens and printers have a few hundred bytes to a few megabytes. A
+    /// file could hold 16 megabytes, and its thumbnail would get them.
     static constexpr std::size_t kMaxProfileBytes = std::size_t{4} << 20;
 
     CGraphicsJpeg();
@@ -64,16 +64,16 @@ public:
     SJpegState* mState;    ///< owned: what libjpeg needs between calls
     int mReadOffset = 0;   ///< where in the file the JPEG to read begins, in bytes
 
-    /// libjpeg's warnings while the picture last opened for reading was read, up to now and as far
-    /// as that is: 0 for one that is whole, at least 1 for one that was cut short.
+    /// How many warnings libjpeg has given about the picture last opened for reading, up to now: at
+    /// least 1 when a picture that was cut short is closed, 0 for one without damage.
     long mWarnings = 0;
-    /// Pictures are read at the smallest of their whole, a half, a quarter and an eighth that
-    /// leaves the longer side at least this many pixels; whole for 0.
+    /// Pictures are read reduced to a half, a quarter or an eighth: the smallest that leaves the
+    /// longer side at least this many pixels. 0: they are read whole.
     int mLeastSide = 0;
-    bool mKeepProfile = false;  ///< reads leave the picture's colour profile in mProfile
-    /// An ICC profile. Opening a read sets it if mKeepProfile is true: empty if the picture has
-    /// none, a damaged one or a larger one than kMaxProfileBytes, or not three components. Every
-    /// picture that is written gets it, unless it is empty; it must not be larger.
+    bool mKeepProfile = false;  ///< opening a read leaves the picture's colour profile in mProfile
+    /// An ICC profile of at most kMaxProfileBytes, which every picture that is written gets unless
+    /// it is empty. Opening a read sets it if mKeepProfile is true. It is empty then when the
+    /// picture has no profile, a damaged or a larger one, or not three components.
     std::vector<unsigned char> mProfile;
     std::string mOutputName;  ///< the file last opened for lines to be written; empty for a stream
 
@@ -107,8 +107,9 @@ public:
     // An error while encoding (an empty picture, a full disk, a writer closed before its last row)
     // ends the process with libjpeg's message and exit status 1. `quality` is libjpeg's, 0 to 100.
 
-    // Some systems tell only at its closing that a file was not stored. The close then fails, and
-    // a new file (not one that was appended to, a device or a link) is removed.
+    // Some systems tell only when a file is closed that it could not be stored. The close then
+    // fails, and a file that was new or replaced is removed. One that was appended to stays, and so
+    // do devices and links.
 
     /// Writes a whole picture of width * height * 3 bytes; false when the file can't be opened or
     /// closed.

@@ -81,14 +81,9 @@ void WriteBytes(jpeg_compress_struct& compressor, const unsigned char* bytes, st
 
 }  // namespace
 
-void BeginProfile(SJpegState& state)
+void CollectProfile(SJpegState& state)
 {
     jpeg_set_marker_processor(&state.mDecompressor, kMarker, ReadMarker);
-}
-
-void EndProfile(SJpegState& state)
-{
-    jpeg_save_markers(&state.mDecompressor, kMarker, 0);
 }
 
 std::vector<unsigned char> JoinProfile(const SProfileParts& profile)

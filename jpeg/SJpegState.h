@@ -83,10 +83,8 @@ void LimitScan(SJpegState& state);
 /// have no length, such as pipes, are believed.
 bool CanHold(const SJpegState& state, int offset);
 
-/// Lets the decompressor collect the parts of a colour profile in state.mProfile while it reads the
-/// header, until EndProfile.
-void BeginProfile(SJpegState& state);
-void EndProfile(SJpegState& state);
+/// Lets the decompressor collect the parts of a colour profile in state.mProfile.
+void CollectProfile(SJpegState& state);
 /// The profile that was collected; empty if parts are missing, damaged or too large.
 std::vector<unsigned char> JoinProfile(const SProfileParts& profile);
 /// Writes a profile, which may be empty, behind the header that has just been written.

@@ -1,21 +1,11 @@
 #include "jpeg/CGraphicsJpeg.h"
 
-#include <unistd.h>
+#include <functional>
 
 #include "tests/jpeg/JpegTestSupport.h"
 
-/// The number that the next file to be opened gets.
-static int FreeDescriptor()
-{
-    const int next = dup(STDOUT_FILENO);
-    close(next);
-    return next;
-}
-
 struct CGraphicsJpegTest : FolderTest
 {
-    static constexpr int kRowBytes = 20 * 3;  // of all pictures here that are opened
-
     ~CGraphicsJpegTest() override { mJpeg.Abandon(); }
 
     bool Read()
@@ -31,17 +21,24 @@ struct CGraphicsJpegTest : FolderTest
     int mWidth = -1;
     int mHeight = -1;
     int mComponents = -1;
-    unsigned char mRow[kRowBytes] = {};
+    unsigned char mRow[20 * 3] = {};
     const std::string mOther = mFolder / "other";
 };
 
-TEST_F(CGraphicsJpegTest, AFileThatCantBeOpenedHasNoSizeAndNoMessage)
+TEST_F(CGraphicsJpegTest, AFileThatCantBeOpenedLeavesNothingOfTheOneBefore)
 {
-    const std::string output = OutputOf([&] { EXPECT_FALSE(Read()); });
+    mJpeg.mWarnings = 7;
+    mJpeg.mKeepProfile = true;
+    mJpeg.mProfile = {7};
+    bool isRead = true;
+    const std::string output = OutputOf([&] { isRead = Read(); });
+    EXPECT_FALSE(isRead);
     EXPECT_EQ(output, "");
     EXPECT_EQ(mWidth, 0);
     EXPECT_EQ(mHeight, 0);
     EXPECT_EQ(mComponents, -1);
+    EXPECT_EQ(mJpeg.mWarnings, 0);
+    EXPECT_THAT(mJpeg.mProfile, testing::IsEmpty());
 }
 
 TEST_F(CGraphicsJpegTest, NoReadLeavesAFileOpen)
@@ -60,11 +57,15 @@ TEST_F(CGraphicsJpegTest, NoReadLeavesAFileOpen)
     for (const auto& row : rows) {
         WriteAll(mFile, row.mContent);
         mJpeg.mReadOffset = row.mOffset;
-        const int before = FreeDescriptor();
+        const long before = OpenDescriptors();
         bool isRead = false;
-        OutputOf([&] { isRead = Read(); });
+        OutputOf([&] {
+            isRead = Read();
+            short side = 0;
+            mJpeg.GetJpegSize(mPath, &side, &side, nullptr);
+        });
         EXPECT_EQ(isRead, row.mIsRead) << row.mName;
-        EXPECT_EQ(FreeDescriptor(), before) << row.mName << ": a file is still open";
+        EXPECT_EQ(OpenDescriptors(), before) << row.mName << ": descriptors in use";
     }
 }
 
@@ -112,29 +113,29 @@ TEST_F(CGraphicsJpegTest, ASizeQueryLeavesAloneWhatIsOpen)
     ASSERT_TRUE(OpenRead());
     short width = 0;
     short height = 0;
-    EXPECT_TRUE(mJpeg.GetJpegSize(mOther.c_str(), &width, &height, nullptr));
+    mJpeg.GetJpegSize(mOther.c_str(), &width, &height, nullptr);
+    const bool isRead = mJpeg.ReadJpegLine(mRow);
     EXPECT_EQ(width, 7);
     EXPECT_EQ(height, 5);
-    EXPECT_TRUE(mJpeg.ReadJpegLine(mRow));
-}
-
-TEST_F(CGraphicsJpegTest, LineFunctionsDoNothingWhileNothingIsOpen)
-{
-    EXPECT_FALSE(mJpeg.ReadJpegLine(mRow));
-    EXPECT_EQ(mJpeg.WriteJpegLine(mRow), 0);
-    EXPECT_TRUE(mJpeg.CloseJpegWrite());
-    mJpeg.CloseJpegLines();
+    EXPECT_TRUE(isRead);
 }
 
 TEST_F(CGraphicsJpegTest, LineFunctionsDoNothingForTheOtherDirection)
 {
     WriteAll(mFile, SampleJpeg(20, 10));
     ASSERT_TRUE(OpenRead());
-    EXPECT_EQ(mJpeg.WriteJpegLine(mRow), 0);
+    const int linesWritten = mJpeg.WriteJpegLine(mRow);
+    const bool isWritten = mJpeg.CloseJpegWrite();  // nothing failed
+    const bool readGoesOn = mJpeg.ReadJpegLine(mRow);
     ASSERT_TRUE(OpenWrite());
-    EXPECT_FALSE(mJpeg.ReadJpegLine(mRow));
+    const bool isRead = mJpeg.ReadJpegLine(mRow);
     mJpeg.CloseJpegLines();
-    EXPECT_EQ(mJpeg.WriteJpegLine(mRow), 1);
+    const int linesGoOn = mJpeg.WriteJpegLine(mRow);
+    EXPECT_EQ(linesWritten, 0);
+    EXPECT_TRUE(isWritten);
+    EXPECT_TRUE(readGoesOn);
+    EXPECT_FALSE(isRead);
+    EXPECT_EQ(linesGoOn, 1);
 }
 
 TEST_F(CGraphicsJpegTest, OpeningEndsWhatIsOpen)
@@ -143,11 +144,12 @@ TEST_F(CGraphicsJpegTest, OpeningEndsWhatIsOpen)
     const std::function<bool()> ways[] = {[&] { return OpenRead(); }, [&] { return OpenWrite(); }};
     for (const auto& first : ways) {
         for (const auto& second : ways) {
-            const int before = FreeDescriptor();
-            EXPECT_TRUE(first());
-            EXPECT_TRUE(second());
+            const long before = OpenDescriptors();
+            ASSERT_TRUE(first());
+            ASSERT_TRUE(second());
+            EXPECT_EQ(OpenDescriptors(), before + 1) << "descriptors in use";
             mJpeg.Abandon();
-            EXPECT_EQ(FreeDescriptor(), before) << "a file is still open";
+            EXPECT_EQ(OpenDescriptors(), before) << "descriptors in use at the end";
         }
     }
 }

@@ -45,8 +45,8 @@ TEST_F(JpegProfileTest, IsPutTogetherOrLeftOut)
         {"a missing part", second, ""},
         {"a part twice", first + first + second, ""},
         {"a part of another", first + ProfilePart(2, 3, "two"), ""},
-        {"part 0", ProfilePart(0, 1, "all"), ""},
-        {"a part too far", ProfilePart(2, 1, "all"), ""},
+        {"part 0", ProfilePart(1, 1, "all") + ProfilePart(0, 1, "none"), ""},
+        {"a part too far", ProfilePart(1, 1, "all") + ProfilePart(2, 1, "more"), ""},
         {"no parts", ProfilePart(0, 0, "all"), ""}};
     const std::string picture = SampleJpeg(9, 9);
     for (const auto& row : rows) {
@@ -97,8 +97,10 @@ TEST_F(JpegProfileTest, IsLimitedInSize)
         image.mProfile = profile;
         EXPECT_EQ(image.CanWrite(), size == kMostBytes) << size;
         const std::string error = size == kMostBytes ? "" : "Errors: 2 " + mFile;
-        EXPECT_EQ(OutputOf([&] { image.Write(mPath, true, nullptr); }), error) << size;
-        EXPECT_EQ(OutputOf([&] { image.OpenWriteLine(mPath); }), error) << size;
+        const std::string whole = OutputOf([&] { image.Write(mPath, true, nullptr); });
+        const std::string lines = OutputOf([&] { image.OpenWriteLine(mPath); });
+        EXPECT_EQ(whole, error) << size;
+        EXPECT_EQ(lines, error) << size;
     }
 }
 

@@ -2,6 +2,7 @@
 #define TESSEL_TESTS_JPEG_JPEGTESTSUPPORT_H
 
 // What the tests of this folder share.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 
 #include <cmath>
@@ -62,14 +63,6 @@ struct SSample
         }
     }
 
-    /// Row `y` of mPixels.
-    Bytes Row(int y) const
-    {
-        const std::size_t bytes = mPixels.size() / kHeight;
-        const auto begin = mPixels.begin() + static_cast<std::ptrdiff_t>(bytes) * y;
-        return {begin, begin + static_cast<std::ptrdiff_t>(bytes)};
-    }
-
     Shape mShape;
     std::string mFile;
     Bytes mPixels;
@@ -83,6 +76,26 @@ struct SKind
 };
 
 inline constexpr SKind kKinds[] = {{"grey", 1}, {"colour", 3}, {"four channels", 4}};
+
+/// All rows of the picture that `image` has opened, which is closed then.
+inline Bytes ReadRows(CGraflibJpeg& image)
+{
+    Bytes rows;
+    Bytes row(image.RowBytes());
+    while (image.ReadLine(row.data()))
+        rows.insert(rows.end(), row.begin(), row.end());
+    image.CloseReadLine();
+    return rows;
+}
+
+/// How many descriptors the process has in use.
+inline long OpenDescriptors()
+{
+    long count = 0;
+    for (int descriptor = 0; descriptor < 256; ++descriptor)
+        count += fcntl(descriptor, F_GETFD) == -1 ? 0 : 1;
+    return count;
+}
 
 /// The place of the first marker that begins with `marker`.
 inline std::size_t FindMarker(const std::string& jpeg, const std::string& marker)
