@@ -9,8 +9,12 @@ from matplotlib import pyplot  # noqa: E402  (the settings come first)
 
 def draw(panels, path):
     heights = [len(bars) for _, bars in panels]
-    figure, axes = pyplot.subplots(len(panels), figsize=(8, 0.24 * sum(heights) + 0.7 * len(panels)),
-                                   squeeze=False, gridspec_kw={"height_ratios": heights})
+    figure, axes = pyplot.subplots(
+        len(panels),
+        figsize=(8, 0.24 * sum(heights) + 0.7 * len(panels)),
+        squeeze=False,
+        gridspec_kw={"height_ratios": heights},
+    )
     for axis, (title, bars) in zip(axes[:, 0], panels):
         names, values = zip(*bars)
         colours = ["#1f6f8b" if name.startswith("tessel") else "#b5bec4" for name in names]

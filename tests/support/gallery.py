@@ -123,7 +123,7 @@ class Gallery:
 
     def good_thumbs(self):
         """The names of the thumbnails that are those of the picture, to the byte."""
-        files = (path for path in self.thumbs.iterdir() if path.is_file())
+        files = (path for path in self.thumbs.glob("*.[jJ][pP][gG]") if path.is_file())
         return sorted(path.name for path in files if path.read_bytes() == self.thumbnail)
 
     def records(self):
