@@ -73,6 +73,21 @@ def test_a_picture_that_failed_is_tried_again_only_when_it_is_later(gallery):
     assert gallery.good_thumbs() == ["x.jpg"]
 
 
+def test_a_picture_that_cant_be_opened_has_no_record_and_is_tried_in_every_run(gallery):
+    (gallery.folder / "lost.jpg").symlink_to("none")
+    gallery.run()
+    assert gallery.records() == {}
+    assert gallery.run().tried == ["lost.jpg"]
+
+
+@pytest.mark.parametrize("name", ["a\tb.jpg", "a\nb.jpg", "a\rb.jpg"], ids=ascii)
+def test_a_name_that_no_record_can_hold_is_made_in_every_run(gallery, name):
+    gallery.add(name, "z.jpg")
+    gallery.run()
+    assert list(gallery.records()) == ["z.jpg"]
+    assert gallery.run().output.endswith(f"Writing ./tessel/{name}\n")
+
+
 # Records are found by eight characters at a time behind what all names have in common.
 RELATED_NAMES = ["tog", "together", "together 1", "together 1.jpg", "together 12345678"]
 RELATED_NAMES += ["together 123456789", os.fsdecode(b"tog\xff"), "tog\x7f"]

@@ -18,9 +18,10 @@ NOBODY = 65534
 
 @dataclasses.dataclass
 class Outcome:
-    """How a run ended, and what it printed: standard output and standard error, as they came."""
+    """How a run ended, and what it printed: standard output and standard error, as they came. The
+    status of a run that was ended by a signal is the signal's name."""
 
-    status: int
+    status: int | str
     output: str
 
     @property
@@ -94,7 +95,9 @@ class Program:
             except subprocess.TimeoutExpired:
                 process.kill()
                 raise
-            return Outcome(process.returncode, os.fsdecode(output or b""))
+            code = process.returncode
+            status = code if code >= 0 else signal.Signals(-code).name
+            return Outcome(status, os.fsdecode(output or b""))
 
 
 class Gallery:
@@ -123,7 +126,7 @@ class Gallery:
 
     def good_thumbs(self):
         """The names of the thumbnails that are those of the picture, to the byte."""
-        files = (path for path in self.thumbs.iterdir() if path.is_file())
+        files = (path for path in self.thumbs.glob("*.[jJ][pP][gG]") if path.is_file())
         return sorted(path.name for path in files if path.read_bytes() == self.thumbnail)
 
     def records(self):

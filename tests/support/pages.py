@@ -12,7 +12,9 @@ def blocks_of(page, language, heading=None):
     """The blocks of a page, or of one of its sections, that are marked with a language."""
     text = (PROJECT / page).read_text()
     if heading:
-        text = re.search(rf"^## {re.escape(heading)}\n(.*?)(?=^## |\Z)", text, re.M | re.S)[1]
+        section = re.search(rf"^## {re.escape(heading)}\n(.*?)(?=^## |\Z)", text, re.M | re.S)
+        assert section, f"{page}: there is no section {heading}"
+        text = section[1]
     blocks = re.findall(rf"^```{language}\n(.*?)^```$", text, re.M | re.S)
     assert blocks, f"{page}: there is no block of {language}"
     return blocks
