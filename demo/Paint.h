@@ -7,7 +7,8 @@
 #include <cstdint>
 
 /// Colours, blends and noise: what pictures that are drawn by formula are made of. Sums, products,
-/// quotients and square roots are all they take, which are the same on every machine.
+/// quotients and square roots are all they take. So a picture is the same wherever it is drawn, but
+/// on an x87, which calculates with more digits.
 
 /// A colour; every part is 0 to 1 where it is shown, and may be more while light is added up.
 struct SColour
