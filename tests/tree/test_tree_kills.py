@@ -156,26 +156,45 @@ def test_a_lock_that_stays_is_waited_for_a_minute(collection):
     assert 'href="locked/gallery.html"' in (collection.folder / "galleries.html").read_text()
 
 
+@pytest.fixture
+def old(collection):
+    """A collection whose pages and databases are there, but not the thumbnails."""
+    collection.add("x.jpg", "album/y.jpg", "album/z.jpg")
+    make_old(collection)
+    return collection
+
+
+def make_old(collection):
+    for folder in (
+        collection.folder,
+        collection.folder / "album",
+        collection.twin,
+        collection.twin / "album",
+    ):
+        shutil.rmtree(folder / "tessel", ignore_errors=True)
+        (folder / "tessel").mkdir()
+        (folder / "tessel/tesselbase.txt").write_text("gone.jpg\t7\n")
+        (folder / "index.html").write_text("old")
+
+
 @pytest.mark.slow
 @pytest.mark.native
 @pytest.mark.parametrize(
     "call", ["open", "mkdir", "write", "flock", "fchmod", "unlink", "rename", "rmdir"]
 )
-def test_after_a_kill_at_any_change_the_next_run_makes_all_good(collection, need, call):
+def test_after_a_kill_at_any_change_the_next_run_makes_all_good(old, need, call):
     need("strace")
-    collection.add("x.jpg", "album/y.jpg", "album/z.jpg")
-    if collection.tree.run("--version", prefix=TRACE).status != 0:
+    if old.tree.run("--version", prefix=TRACE).status != 0:
         pytest.skip("nothing can be traced here")
-    expected = collection.plain()
+    expected = old.plain()
     for number in itertools.count(1):
-        for path in collection.folder, collection.folder / "album":
-            (path / "index.html").unlink(missing_ok=True)
-            shutil.rmtree(path / "tessel", ignore_errors=True)
+        make_old(old)
         kill = f"inject=/^{call}:signal=KILL:when={number}"
-        killed = collection.run("-j", "1", prefix=[*TRACE, "-e", kill])
+        killed = old.run("-j", "1", prefix=[*TRACE, "-e", kill])
         if killed.status == 0:
             break
         assert killed.status == -signal.SIGKILL, killed.output
-        collection.run()
-        assert collection.state() == expected, f"killed at {call} {number}"
+        assert "gone.jpg" in old.records("album"), f"killed at {call} {number}"
+        old.run()
+        assert old.state() == expected, f"killed at {call} {number}"
     assert number > 1, f"nothing was killed: {killed.output}"
