@@ -179,9 +179,7 @@ def make_old(collection):
 
 @pytest.mark.slow
 @pytest.mark.native
-@pytest.mark.parametrize(
-    "call", ["open", "mkdir", "write", "flock", "fchmod", "unlink", "rename", "rmdir"]
-)
+@pytest.mark.parametrize("call", ["open", "mkdir", "write", "flock", "fchmod", "rename", "rmdir"])
 def test_after_a_kill_at_any_change_the_next_run_makes_all_good(old, need, call):
     need("strace")
     if old.tree.run("--version", prefix=TRACE).status != 0:
