@@ -155,7 +155,7 @@ EReplaced WriteDraft(const CDraftFolder& folder, const std::string& path, std::s
 
 EReplaced ReplaceByDraft(const std::string& path, std::string_view text)
 {
-    CDraftFolder folder(path + ".new");
+    CDraftFolder folder(DraftFolderOf(path));
     EReplaced result = folder.Open();
     if (result == EReplaced::kDone)
         result = WriteDraft(folder, path, text);
@@ -286,7 +286,26 @@ bool ReplaceFile(const std::string& path, std::string_view text)
     return false;
 }
 
+std::string DraftFolderOf(const std::string& path)
+{
+    return path + ".new";
+}
+
+void RemoveLeftDrafts(const std::string& folder)
+{
+    CDraftFolder drafts(folder);
+    struct stat status = {};
+    if (lstat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) ||
+        drafts.Open() != EReplaced::kDone)
+        return;
+    drafts.RemoveDrafts();
+    drafts.Remove();
+}
+
 bool UpdateFile(const std::string& path, const std::string& text)
 {
-    return HasContents(path, text) || ReplaceFile(path, text);
+    if (!HasContents(path, text))
+        return ReplaceFile(path, text);
+    RemoveLeftDrafts(DraftFolderOf(path));
+    return true;
 }

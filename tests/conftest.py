@@ -10,6 +10,7 @@ import tempfile
 
 import pytest
 
+from support.collection import Collection
 from support.gallery import NOBODY, PROJECT, Gallery, Program, jpeg
 from support.pages import Reader
 
@@ -17,6 +18,7 @@ from support.pages import Reader
 def pytest_addoption(parser):
     parser.addoption("--build", default="build/release", help="the folder that tessel is built in")
     parser.addoption("--tessel", help="the program, also as 'EMULATOR... PATH'")
+    parser.addoption("--tree", help="the same for tessel-tree")
     parser.addoption("--slow", action="store_true", help="run what is slow as well")
 
 
@@ -57,12 +59,21 @@ def session_work():
         yield folder
 
 
+def copied(words, path, folder):
+    """The program of these words, or else at the path: a copy, as other users may not reach the
+    folder of the build."""
+    *emulator, path = shlex.split(words) if words else [path]
+    return Program([*emulator, shutil.copy(path, folder)])
+
+
 @pytest.fixture(scope="session")
 def tessel(pytestconfig, build, session_work):
-    """The program: a copy, as other users may not reach the folder that it is built in."""
-    words = pytestconfig.getoption("--tessel")
-    *emulator, path = shlex.split(words) if words else [build / "tessel"]
-    return Program([*emulator, shutil.copy(path, session_work)])
+    return copied(pytestconfig.getoption("--tessel"), build / "tessel", session_work)
+
+
+@pytest.fixture(scope="session")
+def tree(pytestconfig, build, session_work):
+    return copied(pytestconfig.getoption("--tree"), build / "tessel-tree", session_work)
 
 
 @pytest.fixture(autouse=True)
@@ -101,8 +112,14 @@ def gallery(tessel, picture, thumbnail, work):
 
 
 @pytest.fixture
+def collection(tree, tessel, picture, work):
+    """An empty folder to be filled with folders of pictures."""
+    return Collection(tree, tessel, work / "photos", work / "twin/photos", picture)
+
+
+@pytest.fixture
 def elsewhere(work):
-    """A folder beside the gallery, which no run may change but as a link allows."""
+    """A folder beside the gallery or the collection, which no run may change but as a link allows."""
     folder = work / "elsewhere"
     folder.mkdir()
     return folder

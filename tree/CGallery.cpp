@@ -83,13 +83,10 @@ EOpened CGallery::Open()
 /// Removes what a killed run has left. Without a lock it could be somebody's work.
 void CGallery::RemoveDrafts() const
 {
-    CDraftFolder drafts(mPaths.mThumbFolder + "/" + kThumbDrafts);
-    struct stat status = {};
-    if (!mIsLocked || lstat(drafts.Path().c_str(), &status) != 0 ||
-        drafts.Open() != EReplaced::kDone)
+    if (!mHasThumbs || !mIsLocked)
         return;
-    drafts.RemoveDrafts();
-    drafts.Remove();
+    RemoveLeftDrafts(mPaths.mThumbFolder + "/" + kThumbDrafts);
+    RemoveLeftDrafts(DraftFolderOf(mPaths.mDbase));
 }
 
 void CGallery::ReadThumbs()

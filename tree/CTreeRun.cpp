@@ -107,10 +107,19 @@ bool CTreeRun::GivePicture()
 /// Opens another gallery; false when there is none.
 bool CTreeRun::OpenNext()
 {
-    const std::optional<SFoundFolder> folder = mFinder.Next();
+    const std::optional<SFoundFolder> folder = NextFolder();
     if (folder)
         OpenGallery(*folder);
     return folder.has_value();
+}
+
+std::optional<SFoundFolder> CTreeRun::NextFolder()
+{
+    if (mAgain.empty())
+        return mFinder.Next();
+    SFoundFolder folder = std::move(mAgain.back());
+    mAgain.pop_back();
+    return folder;
 }
 
 void CTreeRun::OpenGallery(const SFoundFolder& folder)
@@ -188,8 +197,7 @@ void CTreeRun::MakeLocked()
     const Clock::time_point end = Clock::now() + kLockPatience;
     bool isSaid = false;
     while (!mLocked.empty() && Interruption() == 0 && Clock::now() < end) {
-        for (const SFoundFolder& folder : std::exchange(mLocked, {}))
-            OpenGallery(folder);
+        mAgain = std::exchange(mLocked, {});
         MakeGalleries();
         if (mLocked.empty())
             break;

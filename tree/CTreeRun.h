@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <list>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,7 @@ private:
     void FillPool();
     bool GivePicture();
     bool OpenNext();
+    std::optional<SFoundFolder> NextFolder();
     void OpenGallery(const SFoundFolder& folder);
     bool TakeResults();
     void CloseIfFinished(Galleries::iterator gallery);
@@ -62,6 +64,7 @@ private:
     CProgress mProgress;
     Galleries mOpen;                         // the galleries in work, in the order of opening
     std::vector<SFoundFolder> mLocked;       // put off
+    std::vector<SFoundFolder> mAgain;        // were put off, and are to be opened next
     std::map<std::uint64_t, STaken> mTaken;  // pictures that are with the workers
     std::uint64_t mNextTag = 0;
     long mDone = 0;  // pictures

@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <iostream>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -28,15 +30,20 @@ int Stop(const std::string& reason, int status)
     return status;
 }
 
-/// Makes the named folders' paths whole, so that they lead to the same place on every machine, and
-/// every folder has a name.
-void MakeWhole(std::vector<std::string>& folders)
+/// A path that leads to the same place on every machine, and ends in the folder's name. What stands
+/// above a link is known to the system alone.
+std::string WholePath(const std::string& folder)
 {
-    for (std::string& folder : folders) {
-        folder = std::filesystem::absolute(folder).lexically_normal().string();
-        if (folder.size() > 1 && folder.back() == '/')
-            folder.pop_back();
+    const std::filesystem::path absolute = std::filesystem::absolute(folder);
+    std::string path = absolute.lexically_normal().string();
+    if (std::find(absolute.begin(), absolute.end(), "..") != absolute.end()) {
+        std::error_code error;
+        const std::filesystem::path real = std::filesystem::canonical(absolute, error);
+        path = error ? absolute.string() : real.string();
     }
+    if (path.size() > 1 && path.back() == '/')
+        path.pop_back();
+    return path;
 }
 
 std::size_t JobCount(const STreeOptions& options)
@@ -77,7 +84,8 @@ int RunCommand(const std::vector<std::string>& arguments)
         std::cout << "tessel-tree " TESSEL_VERSION << std::endl;
         return EXIT_SUCCESS;
     }
-    MakeWhole(options.mFolders);
+    for (std::string& folder : options.mFolders)
+        folder = WholePath(folder);
     return MakeGalleries(options, WatchInterruption());
 }
 

@@ -7,25 +7,7 @@ import stat
 
 import pytest
 
-from support.gallery import make_socket
-
-AWKWARD_NAMES = {
-    "two words": b"a b",
-    "quotes": b"\"'",
-    "TAB": b"\t",
-    "line feed": b"\n",
-    "carriage return": b"\r",
-    "control characters": b"\1\177",
-    "percent": b"%41",
-    "number sign": b"#?",
-    "markup": b"<b>",
-    "entity": b"&amp",
-    "option": b"-tsize",
-    "nothing before the dot": b"",
-    "invalid UTF-8": b"\xff\xfe",
-    "backslash and dollar": b"\\n$x",
-    "255 bytes": b"n" * 251,
-}
+from support.gallery import AWKWARD_NAMES, make_socket
 
 
 @pytest.mark.parametrize("name", AWKWARD_NAMES.values(), ids=AWKWARD_NAMES)

@@ -15,6 +15,24 @@ PROJECT = pathlib.Path(__file__).resolve().parents[2]
 SECONDS = 120  # for one run, also on an emulator
 NOBODY = 65534
 
+AWKWARD_NAMES = {
+    "two words": b"a b",
+    "quotes": b"\"'",
+    "TAB": b"\t",
+    "line feed": b"\n",
+    "carriage return": b"\r",
+    "control characters": b"\1\177",
+    "percent": b"%41",
+    "number sign": b"#?",
+    "markup": b"<b>",
+    "entity": b"&amp",
+    "option": b"-tsize",
+    "nothing before the dot": b"",
+    "invalid UTF-8": b"\xff\xfe",
+    "backslash and dollar": b"\\n$x",
+    "255 bytes": b"n" * 251,
+}
+
 
 @dataclasses.dataclass
 class Outcome:
@@ -75,13 +93,23 @@ class Program:
     def __init__(self, words):
         self.words = words
 
-    def start(self, *arguments, folder=None, prefix=(), output=subprocess.PIPE, **circumstances):
-        """Starts a run in a folder, behind the words of `prefix`. Of circumstances there are
-        `limits`, as resource.setrlimit takes them, `closed` descriptors, a `user` and a `umask`."""
+    def start(
+        self,
+        *arguments,
+        folder=None,
+        prefix=(),
+        output=subprocess.PIPE,
+        environment={},
+        **circumstances,
+    ):
+        """Starts a run in a folder, behind the words of `prefix`, with more variables in its
+        environment. Of circumstances there are `limits`, as resource.setrlimit takes them, `closed`
+        descriptors, a `user` and a `umask`."""
         every = {"limits": {}, "closed": (), "user": None, "umask": None} | circumstances
         return subprocess.Popen(
             [*prefix, *self.words, *arguments],
             cwd=folder,
+            env=os.environ | environment,
             stdin=subprocess.DEVNULL,
             stdout=output,
             stderr=subprocess.STDOUT,
@@ -168,16 +196,24 @@ def make_socket(path):
     socket.socket(socket.AF_UNIX).bind(os.fspath(path))
 
 
-def jpeg(width, height, *options, depth=1):
-    """A picture of two greys by turns, or three samples deep, as cjpeg makes it with options."""
-    samples = (b"y\n" * (width * height * depth // 2 + 1))[: width * height * depth]
+def jpeg(width, height, *options, depth=1, samples=None):
+    """A picture as cjpeg makes it with options, in grey or three samples deep: of these samples, or
+    of two greys by turns."""
+    if samples is None:
+        samples = (b"y\n" * (width * height * depth // 2 + 1))[: width * height * depth]
     head = b"P%d %d %d 255\n" % (5 if depth == 1 else 6, width, height)
     return subprocess.run(
         ["cjpeg", *options], input=head + samples, stdout=subprocess.PIPE, check=True
     ).stdout
 
 
+def pixels_of(path):
+    """Width, height and samples of a picture, as djpeg reads it."""
+    picture = subprocess.run(["djpeg", path], stdout=subprocess.PIPE, check=True).stdout
+    _, width, height, rest = picture.split(maxsplit=3)
+    return int(width), int(height), rest.partition(b"\n")[2]
+
+
 def size_of(path):
     """Width and height of a picture, as djpeg reads it."""
-    pixels = subprocess.run(["djpeg", path], stdout=subprocess.PIPE, check=True).stdout
-    return tuple(int(side) for side in pixels.split(maxsplit=3)[1:3])
+    return pixels_of(path)[:2]

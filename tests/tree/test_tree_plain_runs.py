@@ -1,0 +1,143 @@
+"""Without options, the galleries are those that plain runs of tessel make, byte for byte."""
+
+import os
+
+import pytest
+
+from support.gallery import AWKWARD_NAMES, jpeg, state_of
+
+
+@pytest.fixture
+def awkward(collection):
+    """A collection with each awkward name below each, and pictures of every kind."""
+    names = [os.fsdecode(name) for name in AWKWARD_NAMES.values()]
+    for album in ["", *names]:
+        collection.add(*(f"{album}/{name}.jpg" for name in names))
+    collection.add("cut.jpg", content=collection.picture[:-20])
+    collection.add("text/text.jpg", content=b"text")
+    collection.add("empty/empty.jpg", content=b"")
+    collection.add("deep/er/still/UPPER.JPG", "deep/er/passed over.jpeg", "deep/text.txt")
+    collection.add("early.jpg", content=jpeg(2, 900, depth=3), time=-5)
+    collection.link("link.jpg", "early.jpg")
+    collection.link("deep/dangling.jpg", "nothing")
+    return collection
+
+
+def test_an_awkward_collection_is_made_as_by_plain_runs(awkward):
+    outcome = awkward.run("-j", "3")
+    assert outcome.status == 0
+    assert awkward.state() == awkward.plain()
+
+
+def test_a_second_run_writes_nothing(collection):
+    collection.add("x.jpg", "album/x.jpg", "album/y.jpg")
+    collection.run("--page")
+    before = {path: path.stat().st_ctime_ns for path in collection.folder.rglob("*")}
+    outcome = collection.run("--page")
+    assert outcome.output == "2 galleries, 3 pictures, 0 thumbnails made\n"
+    assert {path: path.stat().st_ctime_ns for path in collection.folder.rglob("*")} == before
+
+
+def test_a_later_run_makes_what_a_plain_run_makes(collection):
+    names = ["kept", "changed", "older", "gone", "damaged"]
+    collection.add(*(f"album/{name}.jpg" for name in names), "emptied/x.jpg")
+    collection.run()
+    collection.plain()
+    collection.add("album/new.jpg", "album/changed.jpg", content=jpeg(9, 7), time=1_000_000_001)
+    collection.add("album/older.jpg", content=jpeg(9, 7), time=999_999_999)
+    collection.add("album/damaged.jpg", content=b"text", time=1_000_000_001)
+    collection.remove("album/gone.jpg")
+    collection.remove("emptied/x.jpg")
+    outcome = collection.run()
+    assert outcome.output.startswith("2 galleries, 5 pictures, 2 thumbnails made\n")
+    assert collection.state() == collection.plain()
+
+
+def test_files_keep_what_plain_runs_keep(collection):
+    collection.add("x.jpg", "y.jpg")
+    for folder in collection.folder, collection.twin:
+        (folder / "tessel").mkdir(mode=0o750)
+        for name in "index.html", "tessel/tesselbase.txt", "tessel/x.jpg":
+            (folder / name).touch()
+            (folder / name).chmod(0o604)
+            if os.geteuid() == 0:
+                os.chown(folder / name, 1, 2)
+    collection.run()
+    assert collection.state() == collection.plain()
+
+
+@pytest.mark.parametrize(
+    "name, options",
+    [
+        ("tessel", []),
+        (".hidden", []),
+        ("@eaDir", []),
+        ("private", ["--exclude", "other", "--exclude=private"]),
+    ],
+    ids=lambda value: value if isinstance(value, str) else " ".join(value),
+)
+def test_no_folder_is_entered_that_is_named(collection, name, options):
+    collection.add(f"{name}/x.jpg", f"{name}/below/x.jpg")
+    before = collection.state()
+    collection.run(*options)
+    assert collection.state() == before
+
+
+def test_no_link_to_a_folder_is_entered(collection, elsewhere):
+    collection.link("link", elsewhere)
+    (elsewhere / "x.jpg").write_bytes(collection.picture)
+    before = state_of(collection.folder.parent)
+    collection.run()
+    assert state_of(collection.folder.parent) == before
+
+
+@pytest.mark.parametrize(
+    "words",
+    [
+        ["photos/"],
+        [".//photos/."],
+        ["photos/album/.."],
+        ["link to photos"],
+        ["photos", "photos/"],
+        ["photos", "link to photos"],
+        ["photos", "photos/album"],
+        ["photos/album", "photos"],
+        ["link to album", "photos"],
+    ],
+    ids=" and ".join,
+)
+def test_each_gallery_is_made_once_where_folders_are_named(collection, words):
+    collection.add("x.jpg", "album/y.jpg")
+    for place in "photos", "photos/album":
+        name = f"link to {place.rpartition('/')[2]}"
+        (collection.folder.parent / name).symlink_to(place)
+    outcome = collection.tree.run(*words, folder=collection.folder.parent)
+    assert outcome.output == "2 galleries, 2 pictures, 2 thumbnails made\n"
+    assert outcome.status == 0
+
+
+def test_the_folder_of_the_run_has_its_name_as_heading(collection):
+    collection.add("x.jpg")
+    collection.tree.run(".", folder=collection.folder)
+    assert collection.state() == collection.plain()
+
+
+def test_what_stands_above_a_link_is_what_it_leads_to(collection, elsewhere):
+    (elsewhere / "below").mkdir()
+    (elsewhere / "x.jpg").write_bytes(collection.picture)
+    collection.add("x.jpg")
+    collection.link("link", elsewhere / "below")
+    before = collection.state()
+    collection.tree.run(collection.folder / "link/..")
+    assert collection.state() == before
+    assert (elsewhere / "index.html").exists()
+
+
+def test_a_folder_that_doesnt_exist_is_named_and_the_others_are_made(collection):
+    collection.add("x.jpg")
+    outcome = collection.run(collection.folder / "none")
+    assert outcome.output == (
+        "1 gallery, 1 picture, 1 thumbnail made\n"
+        f"Not finished:\n  {collection.folder}/none: No such file or directory\n"
+    )
+    assert outcome.status == 1

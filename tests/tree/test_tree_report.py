@@ -1,0 +1,53 @@
+"""What tessel-tree says of a run."""
+
+import os
+import pty
+import re
+
+
+def test_the_end_of_a_run_says_what_was_made_and_names_what_wasnt(collection):
+    collection.add("x.jpg", "album/damaged.jpg", "album/10.jpeg", "album/y.JPEG")
+    collection.run()
+    collection.add("album/damaged.jpg", "album/2.jpg", content=b"text", time=1_000_000_001)
+    collection.add("album/10.jpg", content=b"")
+    collection.add("album/cut.jpg", content=collection.picture[:-20])
+    collection.add("blocked/z.jpg")
+    (collection.folder / "blocked/index.html").mkdir()
+    outcome = collection.run()
+    album = f"{collection.folder}/album"
+    assert outcome.output == (
+        "3 galleries, 6 pictures, 2 thumbnails made\n"
+        "Without a thumbnail:\n"
+        f"  {album}/2.jpg: Not a JPEG file: starts with 0x74 0x65\n"
+        f"  {album}/10.jpg: Empty input file\n"
+        "Damaged:\n"
+        f"  {album}/cut.jpg: Premature end of JPEG file\n"
+        f"  {album}/damaged.jpg: Not a JPEG file: starts with 0x74 0x65"
+        " (an older thumbnail stays)\n"
+        "Passed over: 2 pictures named *.jpeg; only *.jpg is taken\n"
+        f"Not finished:\n  {collection.folder}/blocked: index.html can't be written\n"
+    )
+    assert outcome.status == 1
+
+
+def test_a_later_run_still_names_what_has_no_thumbnail(collection):
+    collection.add("x.jpg", content=b"text")
+    collection.run()
+    outcome = collection.run()
+    assert outcome.output == (
+        "1 gallery, 1 picture, 0 thumbnails made\n"
+        f"Without a thumbnail:\n  {collection.folder}/x.jpg\n"
+    )
+    assert outcome.status == 0
+
+
+def test_a_terminal_shows_how_far_the_run_is_and_then_the_report(collection):
+    collection.add("x.jpg", "album/y.jpg", "album/z.jpg")
+    ours, theirs = pty.openpty()
+    collection.run(output=theirs)
+    shown = os.read(ours, 65536).decode()
+    os.close(theirs)
+    os.close(ours)
+    progress, report = shown.rsplit("\r\033[K", 1)
+    assert re.match(r"\r\033\[K[1-3] of 3 pictures, \d+ a second, 0:0\d left", progress)
+    assert report == "2 galleries, 3 pictures, 3 thumbnails made\r\n"
