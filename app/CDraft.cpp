@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr std::string_view kDraftPrefix = "draft-";
+constexpr std::string_view kDraftPrefix = "tessel-draft-";
 constexpr int kMostDrafts = 100;  // of one process number, left behind by killed runs
 constexpr int kMostTries = 5;     // while other runs remove the draft
 constexpr int kNewFolderMode = 0777;
@@ -175,9 +175,6 @@ CDraftFolder::~CDraftFolder()
 
 EReplaced CDraftFolder::Open()
 {
-    struct stat status = {};
-    if (lstat(mPath.c_str(), &status) == 0 && !S_ISDIR(status.st_mode))
-        unlink(mPath.c_str());
     if (mkdir(mPath.c_str(), kNewFolderMode) != 0 && errno != EEXIST)
         return ReasonOf(errno);
     mFile = open(mPath.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);

@@ -24,7 +24,8 @@ public:
     CDraftFolder& operator=(const CDraftFolder&) = delete;
     ~CDraftFolder();
 
-    /// Creates the folder where it is missing, and opens it.
+    /// Creates the folder where it is missing, and opens it. What else stands in its place stays:
+    /// drafts are forbidden then.
     EReplaced Open();
     /// Removes all drafts in the open folder, also those of runs that still write: these fail with
     /// kLost.

@@ -35,24 +35,32 @@ struct SPicture
     SGalleryPaths mGallery;
 };
 
-/// The folder of drafts that the last picture had, and which the next one probably has, too.
-CDraftFolder* OpenDrafts(const std::string& path, bool again)
+/// The folder of drafts that the last picture had, and which the next one probably has, too. Null
+/// while none is open.
+std::unique_ptr<CDraftFolder>& Drafts()
 {
     static std::unique_ptr<CDraftFolder> drafts;
-    if (again || !drafts || drafts->Path() != path) {
-        drafts = std::make_unique<CDraftFolder>(path);
-        if (drafts->Open() != EReplaced::kDone)
-            drafts.reset();
-    }
-    return drafts.get();
+    return drafts;
 }
 
-EReplaced WriteDraft(CThumbnail& thumbnail, const std::string& target, const CDraftFolder* drafts)
+EReplaced OpenDrafts(const std::string& path)
 {
-    if (!drafts)
-        return EReplaced::kForbidden;
-    CDraft draft(*drafts, target);
-    const EReplaced opened = draft.Open();
+    if (Drafts() && Drafts()->Path() == path)
+        return EReplaced::kDone;
+    Drafts() = std::make_unique<CDraftFolder>(path);
+    const EReplaced opened = Drafts()->Open();
+    if (opened != EReplaced::kDone)
+        Drafts().reset();
+    return opened;
+}
+
+EReplaced WriteDraft(CThumbnail& thumbnail, const std::string& target, const std::string& folder)
+{
+    EReplaced opened = OpenDrafts(folder);
+    if (opened != EReplaced::kDone)
+        return opened;
+    CDraft draft(*Drafts(), target);
+    opened = draft.Open();
     if (opened != EReplaced::kDone)
         return opened;
     if (!thumbnail.Write(draft.Stream(), target.c_str()))
@@ -68,9 +76,11 @@ bool WriteThumb(CThumbnail& thumbnail, const SPicture& picture)
     const std::string folder = picture.mGallery.mThumbFolder + "/" + kThumbDrafts;
     EReplaced result = EReplaced::kForbidden;
     if (!IsMissing(target) && MayReplace(target))
-        result = WriteDraft(thumbnail, target, OpenDrafts(folder, false));
-    if (result == EReplaced::kLost)  // the folder is another one by now
-        result = WriteDraft(thumbnail, target, OpenDrafts(folder, true));
+        result = WriteDraft(thumbnail, target, folder);
+    if (result == EReplaced::kLost) {  // the folder is another one by now
+        Drafts().reset();
+        result = WriteDraft(thumbnail, target, folder);
+    }
     if (result == EReplaced::kForbidden)
         return thumbnail.Write(target.c_str());
     return result == EReplaced::kDone;

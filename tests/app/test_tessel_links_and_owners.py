@@ -46,12 +46,24 @@ def test_a_new_file_replaces(unmade, elsewhere, put, file):
     assert state_of(elsewhere) == before
 
 
-def test_a_link_in_the_place_of_the_drafts_isnt_followed(unmade, elsewhere):
-    (unmade.thumbs / "tesselbase.txt.new").symlink_to(elsewhere)
-    before = state_of(elsewhere)
+@pytest.mark.parametrize(
+    "put",
+    [
+        pytest.param(lambda path, folder: path.symlink_to(folder), id="link to a folder"),
+        pytest.param(lambda path, _: path.symlink_to("none"), id="dangling link"),
+        pytest.param(lambda path, _: path.write_text("somebody's"), id="file"),
+        pytest.param(lambda path, _: os.mkfifo(path), id="FIFO"),
+    ],
+)
+def test_what_lies_in_the_place_of_the_drafts_stays(unmade, elsewhere, put):
+    unmade.database.write_text("gone.jpg\t7\n")
+    drafts = unmade.thumbs / "tesselbase.txt.new"
+    (elsewhere / "tessel-draft-1").write_text("somebody's")
+    put(drafts, elsewhere)
+    before = describe(drafts), state_of(elsewhere)
     unmade.run()
-    assert sorted(os.listdir(unmade.thumbs)) == ["tesselbase.txt", "x.jpg"]
-    assert state_of(elsewhere) == before
+    assert list(unmade.records()) == ["gone.jpg", "x.jpg"]
+    assert (describe(drafts), state_of(elsewhere)) == before
 
 
 def test_nothing_makes_way_for_a_thumbnail_that_cant_be_written(unmade):
