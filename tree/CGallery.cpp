@@ -15,6 +15,7 @@
 #include "tree/AlbumPage.h"
 #include "tree/CReport.h"
 #include "tree/CWorkerPool.h"
+#include "tree/PageFrame.h"
 #include "tree/ThumbWork.h"
 #include "util/CFileIO.h"
 
@@ -168,7 +169,7 @@ void CGallery::ReportPicture(std::size_t picture, const STaskResult& result,
         JpegMessage(result.mPrinted, path, mPaths.Thumbnail(mNames[picture]));
     mReported[picture] = true;
     if (thumb.mOutcome == EThumb::kUnwritable)
-        Fail("a thumbnail can't be written: " + mNames[picture]);
+        AddUnwritten(picture, message);
     else if (thumb.mOutcome == EThumb::kUnreadable && !HasThumb(picture))
         mReport.AddMissing(path, message);
     else if (thumb.mOutcome == EThumb::kUnreadable || thumb.mWarnings > 0)
@@ -177,14 +178,31 @@ void CGallery::ReportPicture(std::size_t picture, const STaskResult& result,
         mReported[picture] = false;
 }
 
-/// A worker has ended in the middle of a picture.
+/// A worker has ended in the middle of a picture: by libjpeg, which ends the process when it can't
+/// write, or because of the picture.
 void CGallery::ReportLost(std::size_t picture, const STaskResult& result)
 {
     const std::string message =
         JpegMessage(result.mPrinted, Picture(picture), mPaths.Thumbnail(mNames[picture]));
     mReported[picture] = true;
-    Fail("the process that made " + mNames[picture] + " was " + result.mEnd +
-         (message.empty() ? "" : ": " + message));
+    if (result.mIsKilled)
+        Fail("the process that made " + mNames[picture] + " was " + result.mEnd);
+    else
+        AddUnwritten(picture, message.empty() ? "its process " + result.mEnd : message);
+}
+
+/// Keeps the first reason: on a full disk, all have the same.
+void CGallery::AddUnwritten(std::size_t picture, const std::string& reason)
+{
+    if (mUnwritten++ == 0)
+        mWhyUnwritten = mNames[picture] + (reason.empty() ? "" : ": " + reason);
+}
+
+void CGallery::ReportUnwritten()
+{
+    if (mUnwritten > 0)
+        Fail(CountOf(mUnwritten, "thumbnail", "thumbnails") +
+             " can't be written, such as that of " + mWhyUnwritten);
 }
 
 void CGallery::Save()
@@ -227,6 +245,7 @@ void CGallery::Close()
     if (mOptions.mPage)
         WriteAlbum();
     ReportMissing();
+    ReportUnwritten();
     mReport.AddGallery(static_cast<long>(mNames.size()));
     mReport.AddPassedOver(mFolder.mPassedOver);
 }

@@ -83,6 +83,8 @@ private:
     void RemoveHalf(std::size_t picture) const;
     void ReportPicture(std::size_t picture, const STaskResult& result, const SThumbResult& thumb);
     void ReportLost(std::size_t picture, const STaskResult& result);
+    void AddUnwritten(std::size_t picture, const std::string& reason);
+    void ReportUnwritten();
     void Prune();
     bool RemoveThumb(int folder, const std::string& name) const;
     void WritePage();
@@ -106,6 +108,8 @@ private:
     std::vector<bool> mReported;       // which pictures the report has
     std::size_t mNext = 0;             // the picture that NextPicture looks at next
     std::map<std::size_t, SPictureState> mUnderWay;
+    long mUnwritten = 0;  // thumbnails that could not be written
+    std::string mWhyUnwritten;
     SGalleryEntry mEntry;
 };
 

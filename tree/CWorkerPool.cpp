@@ -44,17 +44,17 @@ bool WriteWhole(int file, std::string_view text)
     return true;
 }
 
-/// How a process ended, in words.
-std::string EndOf(pid_t pid)
+/// Waits for the end of a process, and says how it came.
+void TakeEnd(pid_t pid, STaskResult& result)
 {
     int status = 0;
     while (waitpid(pid, &status, 0) < 0) {
         if (errno != EINTR)
-            return "lost";
+            return;
     }
-    if (WIFSIGNALED(status))
-        return "ended by signal " + std::to_string(WTERMSIG(status));
-    return "ended with status " + std::to_string(WEXITSTATUS(status));
+    result.mIsKilled = WIFSIGNALED(status);
+    result.mEnd = result.mIsKilled ? "ended by signal " + std::to_string(WTERMSIG(status))
+                                   : "ended with status " + std::to_string(WEXITSTATUS(status));
 }
 
 /// Takes the part in front of the next zero byte out of a text; false where there is none.
@@ -110,8 +110,9 @@ void CWorkerPool::Kill()
             kill(worker.mPid, SIGKILL);
     }
     for (SWorker& worker : mWorkers) {
+        STaskResult unused;
         if (worker.mPid > 0)
-            EndOf(worker.mPid);
+            TakeEnd(worker.mPid, unused);
         CloseFile(worker.mRequests);
         CloseFile(worker.mResults);
         worker = SWorker{};
@@ -275,13 +276,14 @@ void CWorkerPool::Bury(SWorker& worker, std::vector<STaskResult>& results)
 {
     CloseFile(worker.mRequests);
     CloseFile(worker.mResults);
-    const std::string end = EndOf(worker.mPid);
+    STaskResult result;
+    TakeEnd(worker.mPid, result);
     if (!worker.mTasks.empty()) {
-        std::string printed;
-        if (!TakePart(worker.mReceived, printed))
-            printed = worker.mReceived;
-        results.push_back({worker.mTasks.front().mTag, printed, "", end});
+        result.mTag = worker.mTasks.front().mTag;
+        if (!TakePart(worker.mReceived, result.mPrinted))
+            result.mPrinted = worker.mReceived;
         worker.mTasks.pop_front();
+        results.push_back(std::move(result));
     }
     mWaiting.insert(mWaiting.begin(), worker.mTasks.begin(), worker.mTasks.end());
     worker = SWorker{};
@@ -292,5 +294,5 @@ void CWorkerPool::Bury(SWorker& worker, std::vector<STaskResult>& results)
 void CWorkerPool::GiveUp(std::vector<STaskResult>& results)
 {
     for (; !HasWorkers() && !mWaiting.empty(); mWaiting.pop_front())
-        results.push_back({mWaiting.front().mTag, "", "", "can't be started"});
+        results.push_back({mWaiting.front().mTag, "", "", "can't be started", false});
 }

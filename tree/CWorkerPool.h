@@ -17,6 +17,7 @@ struct STaskResult
     std::string mPrinted;    ///< what the work wrote to standard output and standard error
     std::string mReply;      ///< what it returned; empty where the worker ended
     std::string mEnd;        ///< how the worker ended, in words; empty where it did not
+    bool mIsKilled = false;  ///< it did not end by itself, but by a signal
 };
 
 /// Processes that do work on request. Each is a copy of this process as it was when the pool was

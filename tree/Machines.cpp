@@ -43,9 +43,14 @@ std::vector<std::string> ParallelCommand(const STreeOptions& options)
                                      "-j",         "1",
                                      "--sshlogin", Joined(options.mMachines),
                                      "tessel-tree"};
-    for (const std::string& argument : ArgumentsForMachine(options))
+    // A shell reads the command: numbers and names of options need no care, and what is excluded
+    // doesn't count for folders that are named.
+    STreeOptions handed = options;
+    handed.mOnly = true;
+    handed.mExcluded.clear();
+    for (const std::string& argument : ArgumentsForMachine(handed))
         command.push_back(argument);
-    command.insert(command.end(), {"--only", "--", "{}"});
+    command.insert(command.end(), {"--", "{}"});
     return command;
 }
 

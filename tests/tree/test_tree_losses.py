@@ -102,7 +102,8 @@ def test_a_thumbnail_that_couldnt_be_written_is_made_when_it_can_be(collection):
     collection.add("x.jpg", "y.jpg")
     (collection.folder / "tessel/x.jpg").mkdir(parents=True)
     outcome = collection.run()
-    assert f"  {collection.folder}: a thumbnail can't be written: x.jpg\n" in outcome.output
+    reason = "1 thumbnail can't be written, such as that of x.jpg"
+    assert f"  {collection.folder}: {reason}\n" in outcome.output
     assert collection.records() == ["y.jpg"]
     (collection.folder / "tessel/x.jpg").rmdir()
     collection.run()
@@ -120,11 +121,8 @@ def test_a_thumbnail_that_doesnt_fit_is_named_and_the_older_one_stays(collection
     large = jpeg(1000, 1000)
     collection.add("new.jpg", "old.jpg", content=large, time=1_000_000_001)
     outcome = collection.run("-tsize", "1000", limits={resource.RLIMIT_FSIZE: 8192})
-    reason = "ended with status 1: Output file write error --- out of disk space?"
-    for name in "new.jpg", "old.jpg":
-        assert (
-            f"  {collection.folder}: the process that made {name} was {reason}\n" in outcome.output
-        )
+    assert "2 thumbnails can't be written, such as that of " in outcome.output
+    assert "Output file write error --- out of disk space?" in outcome.output
     assert outcome.status == 1
     assert collection.records() == ["small.jpg"]
     assert collection.thumbs() == ["tessel/old.jpg", "tessel/small.jpg"]
