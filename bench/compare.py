@@ -213,8 +213,8 @@ def main():
         print(f"compare: {name}: {parts[name].__doc__}", file=sys.stderr, flush=True)
         bench.empty()
         parts[name](bench)
+        (bench.build / "performance.md").write_text(bench.table, encoding="utf-8")
     bench.empty()
-    (bench.build / "performance.md").write_text(bench.table, encoding="utf-8")
     print(bench.table, end="")
 
 
