@@ -78,7 +78,7 @@ TEST_F(CDraftTest, TheNewFileKeepsModeAndLeavesNoDraft)
     WriteAll(mFile, "old");
     chmod(mPath, 0604);
     fs::create_directory(mFile + ".new");
-    WriteAll(mFile + ".new/draft-1-0", "of a killed run");
+    WriteAll(mFile + ".new/tessel-draft-1-0", "of a killed run");
     EXPECT_TRUE(ReplaceFile(mFile, "new"));
     EXPECT_EQ(ReadAll(mFile), "new");
     EXPECT_EQ(fs::status(mFile).permissions(), fs::perms(0604));
