@@ -94,8 +94,10 @@ void CGallery::RemoveDrafts() const
 
 void CGallery::ReadThumbs()
 {
-    if (mHasThumbs)
-        CFileIO::ResolveWildCard(mPaths.mThumbFolder.c_str(), kPicturePattern, &mThumbs);
+    mKnowsThumbs = mHasThumbs && CFileIO::ResolveWildCard(mPaths.mThumbFolder.c_str(),
+                                                          kPicturePattern, &mThumbs);
+    if (mHasThumbs && !mKnowsThumbs)
+        Fail("tessel can't be listed");
     std::sort(mThumbs.begin(), mThumbs.end());
 }
 
@@ -216,7 +218,7 @@ void CGallery::Abandon()
 /// is replaced only when its draft is complete, and stays.
 void CGallery::RemoveHalf(std::size_t picture) const
 {
-    if (mHasThumbs && !HasThumb(picture))
+    if (mKnowsThumbs && !HasThumb(picture))
         unlink(mPaths.Thumbnail(mNames[picture]).c_str());
 }
 

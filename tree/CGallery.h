@@ -102,6 +102,7 @@ private:
     std::set<SFileInfo> mRecords;
     std::string mSaved;                // what the database file holds
     std::vector<std::string> mThumbs;  // names of thumbnails that stood there, in order
+    bool mKnowsThumbs = false;         // these are all
     std::vector<bool> mMade;           // which pictures have a new thumbnail
     std::vector<bool> mReported;       // which pictures the report has
     std::size_t mNext = 0;             // the picture that NextPicture looks at next
