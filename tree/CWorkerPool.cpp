@@ -95,6 +95,8 @@ CWorkerPool::CWorkerPool(std::size_t workers, Work work, int wakeFile)
 {
     for (SWorker& worker : mWorkers)
         Start(worker);
+    // Wait could not ask for more files than a process may open, not even for none in their place.
+    std::erase_if(mWorkers, [](const SWorker& worker) { return worker.mPid < 0; });
 }
 
 CWorkerPool::~CWorkerPool()
@@ -292,5 +294,5 @@ void CWorkerPool::Bury(SWorker& worker, std::vector<STaskResult>& results)
 void CWorkerPool::GiveUp(std::vector<STaskResult>& results)
 {
     for (; !HasWorkers() && !mWaiting.empty(); mWaiting.pop_front())
-        results.push_back({mWaiting.front().mTag, "", "", "can't be started"});
+        results.push_back({mWaiting.front().mTag, "", "", "never started"});
 }
