@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <exception>
 #include <initializer_list>
 #include <iostream>
 #include <string_view>
@@ -160,7 +161,14 @@ void CWorkerPool::RunWorker(int requests, int results) const
         if (file != requests)
             close(file);
     }
-    Serve(requests, mWork);
+    try {
+        Serve(requests, mWork);
+    } catch (const std::exception& error) {
+        // Further up stand the objects of the process that this one is a copy of: they would save,
+        // and kill, a second time.
+        std::cerr << error.what() << std::endl;
+        std::_Exit(EXIT_FAILURE);
+    }
     std::_Exit(EXIT_SUCCESS);
 }
 
