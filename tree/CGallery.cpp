@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <iterator>
+#include <new>
 
 #include "app/CDraft.h"
 #include "app/CIndexPage.h"
@@ -194,16 +195,26 @@ void CGallery::ReportLost(std::size_t picture, const STaskResult& result)
 
 void CGallery::Save()
 {
-    if (!mHasDatabase)
-        return;
-    std::string text = DatabaseText(mRecords);
-    struct stat status = {};
-    if (text == mSaved && (!text.empty() || lstat(mPaths.mDbase.c_str(), &status) == 0))
-        return;
-    if (ReplaceFile(mPaths.mDbase, text))
-        mSaved.swap(text);
-    else
+    if (mHasDatabase && !WriteRecords())
         Fail("the database can't be written");
+}
+
+/// Writes the database if it has changed. False when that can't be, also for lack of memory: a
+/// gallery with a hostile database must not end the run over all others.
+bool CGallery::WriteRecords()
+{
+    try {
+        std::string text = DatabaseText(mRecords);
+        struct stat status = {};
+        if (text == mSaved && (!text.empty() || lstat(mPaths.mDbase.c_str(), &status) == 0))
+            return true;
+        if (!ReplaceFile(mPaths.mDbase, text))
+            return false;
+        mSaved.swap(text);
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
 }
 
 void CGallery::Abandon()

@@ -83,6 +83,7 @@ private:
     void RemoveHalf(std::size_t picture) const;
     void ReportPicture(std::size_t picture, const STaskResult& result, const SThumbResult& thumb);
     void ReportLost(std::size_t picture, const STaskResult& result);
+    bool WriteRecords();
     void Prune();
     bool RemoveThumb(int folder, const std::string& name) const;
     void WritePage();
