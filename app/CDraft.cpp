@@ -52,12 +52,13 @@ bool CopyAttribute(const char* path, const char* name, int draft)
     return fsetxattr(draft, name, value.data(), value.size(), 0) == 0;
 }
 
-/// Gives a draft the extended attributes of the file at `path`, its access list among them.
+/// Gives a draft the extended attributes of the file at `path`, its access list among them. False
+/// also where the draft has more of them, such as an access list that it inherited.
 bool CopyAttributes(const char* path, int draft)
 {
     const ssize_t size = llistxattr(path, nullptr, 0);
-    if (size <= 0)
-        return size == 0 || errno == EOPNOTSUPP;
+    if (size < 0)
+        return errno == EOPNOTSUPP;
     Bytes names(static_cast<std::size_t>(size));
     if (llistxattr(path, names.data(), names.size()) != size)
         return false;
@@ -65,7 +66,7 @@ bool CopyAttributes(const char* path, int draft)
     for (auto name = names.begin(); same && name != names.end();
          name = std::find(name, names.end(), '\0') + 1)
         same = CopyAttribute(path, &*name, draft);
-    return same;
+    return same && flistxattr(draft, nullptr, 0) == size;
 }
 #else
 /// Extended attributes are copied on Linux alone, whose interface for them this is.
@@ -235,11 +236,12 @@ EReplaced CDraft::Open()
     if (file < 0)
         return errno == ENOENT ? EReplaced::kLost : ReasonOf(errno);
     const bool same = TakeOn(file);
+    const bool isFull = !same && (errno == ENOSPC || errno == EDQUOT);
     mStream = same ? fdopen(file, "wb") : nullptr;
     if (mStream)
         return EReplaced::kDone;
     close(file);
-    return same ? EReplaced::kFailed : EReplaced::kForbidden;
+    return same || isFull ? EReplaced::kFailed : EReplaced::kForbidden;
 }
 
 /// Gives the draft what an ordinary file in its place has: owner, mode, extended attributes.

@@ -32,8 +32,8 @@ struct SPictureState
 };
 
 /// A database file of more bytes counts as one that can't be read. That is enough for a quarter of
-/// a million pictures with names as long as names can be, and keeps what a hostile file can ask for
-/// below a gigabyte of memory and some ten seconds.
+/// a million pictures with names as long as names can be. The worst that a hostile file can ask for
+/// is 13 million records of short names in no order: 1.3 GB of memory, and a minute.
 constexpr long kMostDatabaseBytes = 1L << 26;
 
 /// Adds the file's records to `records`, which win over records of the same name. A line without a

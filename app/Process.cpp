@@ -12,13 +12,19 @@
 
 namespace {
 
+int OpenNothing()
+{
+    const int file = open("/dev/null", O_RDWR);
+    return file < 0 ? open("/", O_RDONLY) : file;  // which nobody can write to
+}
+
 /// Opens the standard descriptors that the caller left closed: the first files to be opened would
 /// get their numbers, and what is printed would end up in the page.
 void OpenStandardDescriptors()
 {
-    int file = open("/dev/null", O_RDWR);
+    int file = OpenNothing();
     while (file >= 0 && file <= STDERR_FILENO)
-        file = open("/dev/null", O_RDWR);
+        file = OpenNothing();
     if (file > STDERR_FILENO)
         close(file);
 }

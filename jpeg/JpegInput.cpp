@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <cstdio>
 
+#include "jpeg/CGraphicsJpeg.h"
 #include "jpeg/SJpegState.h"
 // libjpeg's error codes, which need its types.
 #include <jerror.h>
@@ -17,15 +18,17 @@ constexpr std::size_t kInputBytes = 1 << 16;
 boolean FillInput(j_decompress_ptr decompressor)
 {
     SJpegState& state = *static_cast<SJpegState*>(decompressor->client_data);
-    std::size_t count = std::fread(state.mInputBuffer, 1, kInputBytes, state.mInput);
+    std::size_t count = 0;
+    if (state.mInputBytes < CGraphicsJpeg::kMaxFileBytes)
+        count = std::fread(state.mInputBuffer, 1, kInputBytes, state.mInput);
     if (count == 0) {
-        if (!state.mHasInput)
+        if (state.mInputBytes == 0)
             ERREXIT(decompressor, JERR_INPUT_EMPTY);
         WARNMS(decompressor, JWRN_JPEG_EOF);
         state.mInputBuffer[count++] = 0xff;
         state.mInputBuffer[count++] = JPEG_EOI;
     }
-    state.mHasInput = true;
+    state.mInputBytes += count;
     decompressor->src->next_input_byte = state.mInputBuffer;
     decompressor->src->bytes_in_buffer = count;
     return TRUE;

@@ -57,7 +57,7 @@ struct SJpegState
     jpeg_progress_mgr mProgress;  // counts the scans read
     std::FILE* mInput;            // null while no read is open
     JOCTET* mInputBuffer;         // libjpeg's own memory
-    bool mHasInput;               // some of the file has been read
+    std::uint64_t mInputBytes;    // of the file that have been read
     std::FILE* mOutput;           // null while no line-wise write is open
     unsigned char* mImageData;    // the caller's pixels: those being read, or those to encode
     int mDecodedRowBytes;

@@ -151,3 +151,19 @@ def need():
                 pytest.skip(f"{program} isn't installed")
 
     return need
+
+
+@pytest.fixture
+def failing(need, tessel):
+    """A function that gives the words before a run in which calls of the system fail: those whose
+    name begins so, the first, the second or whichever is named, and of one path if one is."""
+    need("strace")
+    trace = ["strace", "-f", "-o", "/dev/null"]
+    if tessel.run(prefix=trace).status != 0:
+        pytest.skip("nothing can be traced here")
+
+    def failing(call, error, when="1+", path=None):
+        which = [] if path is None else ["-P", path]
+        return [*trace, *which, "-e", f"inject=/^{call}:error={error}:when={when}"]
+
+    return failing

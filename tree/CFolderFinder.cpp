@@ -12,6 +12,7 @@
 
 #include "app/GalleryLayout.h"
 #include "tree/CReport.h"
+#include "tree/Interruption.h"
 #include "tree/NaturalOrder.h"
 #include "util/CFileIO.h"
 
@@ -56,7 +57,7 @@ CFolderFinder::CFolderFinder(const STreeOptions& options, CReport& report)
 
 std::optional<SFoundFolder> CFolderFinder::Next()
 {
-    while (!mToDo.empty() || BeginNextRoot()) {
+    while (Interruption() == 0 && (!mToDo.empty() || BeginNextRoot())) {
         const SFolder folder = mToDo.back();
         mToDo.pop_back();
         std::optional<SFoundFolder> found = Visit(folder);

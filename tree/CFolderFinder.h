@@ -40,7 +40,7 @@ public:
     /// The options and the report outlive the finder.
     CFolderFinder(const STreeOptions& options, CReport& report);
 
-    /// The next gallery; nothing behind the last.
+    /// The next gallery; nothing behind the last, and once the run is interrupted.
     std::optional<SFoundFolder> Next();
 
 private:

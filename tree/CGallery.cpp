@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <iterator>
+#include <new>
 
 #include "app/CDraft.h"
 #include "app/CIndexPage.h"
@@ -92,8 +93,10 @@ void CGallery::RemoveDrafts() const
 
 void CGallery::ReadThumbs()
 {
-    if (mHasThumbs)
-        CFileIO::ResolveWildCard(mPaths.mThumbFolder.c_str(), kPicturePattern, &mThumbs);
+    mKnowsThumbs = mHasThumbs && CFileIO::ResolveWildCard(mPaths.mThumbFolder.c_str(),
+                                                          kPicturePattern, &mThumbs);
+    if (mHasThumbs && !mKnowsThumbs)
+        Fail("tessel can't be listed");
     std::sort(mThumbs.begin(), mThumbs.end());
 }
 
@@ -207,16 +210,26 @@ void CGallery::ReportUnwritten()
 
 void CGallery::Save()
 {
-    if (!mHasDatabase)
-        return;
-    std::string text = DatabaseText(mRecords);
-    struct stat status = {};
-    if (text == mSaved && (!text.empty() || lstat(mPaths.mDbase.c_str(), &status) == 0))
-        return;
-    if (ReplaceFile(mPaths.mDbase, text))
-        mSaved.swap(text);
-    else
+    if (mHasDatabase && !WriteRecords())
         Fail("the database can't be written");
+}
+
+/// Writes the database if it has changed. False when that can't be, also for lack of memory: a
+/// gallery with a hostile database must not end the run over all others.
+bool CGallery::WriteRecords()
+{
+    try {
+        std::string text = DatabaseText(mRecords);
+        struct stat status = {};
+        if (text == mSaved && (!text.empty() || lstat(mPaths.mDbase.c_str(), &status) == 0))
+            return true;
+        if (!ReplaceFile(mPaths.mDbase, text))
+            return false;
+        mSaved.swap(text);
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
 }
 
 void CGallery::Abandon()
@@ -231,7 +244,7 @@ void CGallery::Abandon()
 /// is replaced only when its draft is complete, and stays.
 void CGallery::RemoveHalf(std::size_t picture) const
 {
-    if (mHasThumbs && !HasThumb(picture))
+    if (mKnowsThumbs && !HasThumb(picture))
         unlink(mPaths.Thumbnail(mNames[picture]).c_str());
 }
 

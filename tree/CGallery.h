@@ -85,6 +85,7 @@ private:
     void ReportLost(std::size_t picture, const STaskResult& result);
     void AddUnwritten(std::size_t picture, const std::string& reason);
     void ReportUnwritten();
+    bool WriteRecords();
     void Prune();
     bool RemoveThumb(int folder, const std::string& name) const;
     void WritePage();
@@ -104,6 +105,7 @@ private:
     std::set<SFileInfo> mRecords;
     std::string mSaved;                // what the database file holds
     std::vector<std::string> mThumbs;  // names of thumbnails that stood there, in order
+    bool mKnowsThumbs = false;         // these are all
     std::vector<bool> mMade;           // which pictures have a new thumbnail
     std::vector<bool> mReported;       // which pictures the report has
     std::size_t mNext = 0;             // the picture that NextPicture looks at next

@@ -20,6 +20,8 @@ void WriteList(std::ostream& out, const char* heading, std::vector<std::string>&
     if (lines.empty())
         return;
     std::sort(lines.begin(), lines.end(), IsBefore);
+    // What fails whenever a gallery is saved is said once.
+    lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
     out << heading << '\n';
     for (const std::string& line : lines)
         out << "  " << Printable(line) << '\n';

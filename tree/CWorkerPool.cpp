@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <exception>
 #include <initializer_list>
 #include <iostream>
 #include <string_view>
@@ -95,6 +96,8 @@ CWorkerPool::CWorkerPool(std::size_t workers, Work work, int wakeFile)
 {
     for (SWorker& worker : mWorkers)
         Start(worker);
+    // Wait could not ask for more files than a process may open, not even for none in their place.
+    std::erase_if(mWorkers, [](const SWorker& worker) { return worker.mPid < 0; });
 }
 
 CWorkerPool::~CWorkerPool()
@@ -159,7 +162,14 @@ void CWorkerPool::RunWorker(int requests, int results) const
         if (file != requests)
             close(file);
     }
-    Serve(requests, mWork);
+    try {
+        Serve(requests, mWork);
+    } catch (const std::exception& error) {
+        // Further up stand the objects of the process that this one is a copy of: they would save,
+        // and kill, a second time.
+        std::cerr << error.what() << std::endl;
+        std::_Exit(EXIT_FAILURE);
+    }
     std::_Exit(EXIT_SUCCESS);
 }
 
@@ -294,5 +304,5 @@ void CWorkerPool::Bury(SWorker& worker, std::vector<STaskResult>& results)
 void CWorkerPool::GiveUp(std::vector<STaskResult>& results)
 {
     for (; !HasWorkers() && !mWaiting.empty(); mWaiting.pop_front())
-        results.push_back({mWaiting.front().mTag, "", "", "can't be started", false});
+        results.push_back({mWaiting.front().mTag, "", "", "never started", false});
 }

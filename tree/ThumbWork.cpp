@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <sstream>
 #include <string_view>
 
@@ -109,6 +110,16 @@ SThumbResult MakeThumb(const SPicture& picture, const STreeOptions& options)
     return {written ? EThumb::kMade : EThumb::kUnwritable, thumbnail.mImage.mWarnings};
 }
 
+/// A picture for which memory runs out counts as one that can't be read.
+SThumbResult TryToMakeThumb(const SPicture& picture, const STreeOptions& options)
+{
+    try {
+        return MakeThumb(picture, options);
+    } catch (const std::bad_alloc&) {
+        return {EThumb::kUnreadable, 0};
+    }
+}
+
 std::string_view FirstLine(std::string_view text)
 {
     return text.substr(0, text.find('\n'));
@@ -127,7 +138,7 @@ std::string MakeRequestedThumb(const std::string& request, const STreeOptions& o
     SThumbResult result{EThumb::kKept, 0};
     if (request[0] == kAlways ||
         !IsThumbRight(picture.mGallery.Thumbnail(picture.mName), options.mThumbSize))
-        result = MakeThumb(picture, options);
+        result = TryToMakeThumb(picture, options);
     std::ostringstream reply;
     reply << static_cast<int>(result.mOutcome) << ' ' << result.mWarnings;
     return reply.str();

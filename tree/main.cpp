@@ -1,3 +1,5 @@
+#include <sys/resource.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <exception>
@@ -46,10 +48,22 @@ std::string WholePath(const std::string& folder)
     return path;
 }
 
+/// As many jobs as the descriptors of a process do for, but one at least.
+std::size_t MostJobs()
+{
+    constexpr rlim_t kForOneJob = 6;  // two pipes, and galleries of the pictures that it has in hand
+    constexpr rlim_t kForOthers = 10;
+    struct rlimit limit = {};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur < kForOthers + kForOneJob)
+        return 1;
+    return static_cast<std::size_t>((limit.rlim_cur - kForOthers) / kForOneJob);
+}
+
 std::size_t JobCount(const STreeOptions& options)
 {
     const unsigned cores = std::thread::hardware_concurrency();
-    return options.mJobs > 0 ? static_cast<std::size_t>(options.mJobs) : cores > 0 ? cores : 1;
+    const int jobs = options.mJobs > 0 ? options.mJobs : std::max(1, static_cast<int>(cores));
+    return std::min(static_cast<std::size_t>(jobs), MostJobs());
 }
 
 int MakeGalleries(const STreeOptions& options, int wakeFile)

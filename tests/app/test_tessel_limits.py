@@ -84,3 +84,11 @@ def test_a_thumbnail_that_memory_doesnt_do_for_is_tried_once(gallery):
     gallery.run("-tsize", "30000", ".", limits=LITTLE_MEMORY)
     assert not (gallery.thumbs / "x.jpg").exists()
     assert gallery.run().tried == []
+
+
+@pytest.mark.slow
+def test_a_picture_that_goes_on_as_a_hole_of_terabytes_ends(gallery):
+    gallery.add("x.jpg", content=gallery.picture[:-2])
+    os.truncate(gallery.folder / "x.jpg", 2**43)
+    assert "Premature end of JPEG file" in gallery.run().output
+    assert gallery.good_thumbs() == ["x.jpg"]

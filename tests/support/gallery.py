@@ -6,7 +6,6 @@ import hashlib
 import os
 import pathlib
 import resource
-import signal
 import socket
 import stat
 import subprocess
@@ -64,8 +63,6 @@ def under(limits, closed, user, umask):
             os.setuid(user)
         for kind, value in limits.items():
             resource.setrlimit(kind, (value, value))
-        if resource.RLIMIT_FSIZE in limits:
-            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
         for descriptor in closed:
             os.close(descriptor)
 

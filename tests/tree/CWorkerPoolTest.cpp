@@ -121,5 +121,5 @@ TEST(CWorkerPool, WithoutWorkersTasksFail)
     CWorkerPool pool(0, Work, -1);
     EXPECT_TRUE(pool.WantsWork());
     const auto results = ResultsOf(pool, {"a"});
-    EXPECT_EQ(results.at(0).mEnd, "can't be started");
+    EXPECT_EQ(results.at(0).mEnd, "never started");
 }
