@@ -6,6 +6,7 @@ import hashlib
 import os
 import pathlib
 import resource
+import signal
 import socket
 import stat
 import subprocess
