@@ -73,25 +73,6 @@ TEST_F(CDraftTest, AnUnfinishedDraftLeavesTheOldFileAndNothingElse)
     EXPECT_EQ(NamesIn(mFolder), Names{"x.jpg"});
 }
 
-TEST_F(CDraftTest, TheNewFileKeepsModeAndLeavesNoDraft)
-{
-    WriteAll(mFile, "old");
-    chmod(mPath, 0604);
-    fs::create_directory(mFile + ".new");
-    WriteAll(mFile + ".new/tessel-draft-1-0", "of a killed run");
-    EXPECT_TRUE(ReplaceFile(mFile, "new"));
-    EXPECT_EQ(ReadAll(mFile), "new");
-    EXPECT_EQ(fs::status(mFile).permissions(), fs::perms(0604));
-    EXPECT_EQ(NamesIn(mFolder), Names{"x.jpg"});
-}
-
-TEST_F(CDraftTest, WhatCantBeReplacedStays)
-{
-    fs::create_directory(mFile);
-    EXPECT_FALSE(ReplaceFile(mFile, "new"));
-    EXPECT_TRUE(fs::is_directory(mFile));
-}
-
 TEST_F(CDraftTest, WithoutRoomTheOldFileStaysWhole)
 {
     const std::string old(3000, 'o');

@@ -107,13 +107,3 @@ TEST_F(CTesselTest, APictureIsRecordedOnceItIsAskedFor)
     EXPECT_TRUE(tessel.TestFile(mFolder.c_str(), "missing.jpg"));
     EXPECT_EQ(tessel.mFileInfoSet.size(), 1U);
 }
-
-TEST_F(CTesselTest, TheDatabaseComesBackAsItWasWritten)
-{
-    CTessel written;
-    written.mFileInfoSet = {{"a.jpg", 1}, {"b.jpg", 2}};
-    written.WriteDbase(mPath);
-    CTessel read;
-    read.ReadDbase(mPath);
-    EXPECT_EQ(DatabaseText(read.mFileInfoSet), "a.jpg\t1\nb.jpg\t2\n");
-}

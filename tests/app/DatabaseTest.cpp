@@ -119,10 +119,3 @@ TEST_F(Database, APictureThatCantBeOpenedIsMadeAndHasNoTime)
     EXPECT_TRUE(state.mMustMake);
     EXPECT_FALSE(state.mHasTime);
 }
-
-TEST_F(Database, NoTimeIsStoredOfAFileThatCantBeOpened)
-{
-    long time = 7;
-    EXPECT_FALSE(GetFileTime("/no/where", &time));
-    EXPECT_EQ(time, 7);
-}
