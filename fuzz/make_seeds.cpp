@@ -129,6 +129,22 @@ void SaveDbases(const fs::path& folder)
         Save(folder / std::to_string(number++), content);
 }
 
+/// Beginnings of JPEG files with an orientation, in both byte orders, and behind another segment.
+void SaveOrientations(const fs::path& folder)
+{
+    fs::create_directories(folder);
+    const std::string little("II*\0\x08\0\0\0\1\0\x12\1\3\0\1\0\0\0\6\0\0\0\0\0\0\0", 26);
+    const std::string big("MM\0*\0\0\0\x08\0\1\1\x12\0\3\0\0\0\1\0\x08\0\0\0\0\0\0", 26);
+    const std::string start = "\xff\xd8";
+    const std::string exif(
+        "\xff\xe1\0\x22"
+        "Exif\0\0",
+        10);
+    const std::string comment("\xff\xfe\0\4ab", 6);
+    Save(folder / "little", start + exif + little);
+    Save(folder / "big", start + comment + exif + big + "\xff\xda");
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
@@ -140,5 +156,6 @@ int main(int argc, char** argv)
     const fs::path folder(argv[1]);
     SavePictures(folder / "picture");
     SaveDbases(folder / "dbase");
+    SaveOrientations(folder / "orientation");
     return 0;
 }
