@@ -86,6 +86,16 @@ def do(*command, folder=None, **environment):
     return output
 
 
+def end_of(process):
+    """Waits for the end of a run."""
+    try:
+        output = process.communicate(timeout=SECONDS)[0]
+    except subprocess.TimeoutExpired:
+        process.kill()
+        raise
+    return Outcome(process.returncode, os.fsdecode(output or b""))
+
+
 class Program:
     """A program, by the words that call it: an emulator may stand before its path."""
 
@@ -117,12 +127,7 @@ class Program:
 
     def run(self, *arguments, **circumstances):
         with self.start(*arguments, **circumstances) as process:
-            try:
-                output = process.communicate(timeout=SECONDS)[0]
-            except subprocess.TimeoutExpired:
-                process.kill()
-                raise
-            return Outcome(process.returncode, os.fsdecode(output or b""))
+            return end_of(process)
 
 
 class Gallery:
