@@ -117,10 +117,10 @@ void SendGalleries(const STreeOptions& options, int output)
 void WaitFor(pid_t pid)
 {
     int status = 0;
-    while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    do {
         if (Interruption() != 0)
             kill(pid, SIGTERM);
-    }
+    } while (waitpid(pid, &status, 0) < 0 && errno == EINTR);
 }
 
 }  // namespace

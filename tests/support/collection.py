@@ -1,5 +1,6 @@
 """Collections: folders of pictures, what tessel-tree makes of them, and what plain runs make."""
 
+import contextlib
 import os
 import pathlib
 import signal
@@ -37,8 +38,17 @@ class Collection:
         for folder in self.folder, self.twin:
             (folder / name).symlink_to(leads_to)
 
-    def start(self, *options, **circumstances):
-        return self.tree.start(*options, self.folder, **circumstances)
+    @contextlib.contextmanager
+    def started(self, *options):
+        """A run that goes on, in which no signal is ignored. Nothing of it is left behind."""
+        signals = ["env", "--default-signal"]
+        with self.tree.start(*options, self.folder, prefix=signals) as process:
+            try:
+                yield process
+            finally:
+                for pid in [*workers_of(process), process.pid]:
+                    with contextlib.suppress(ProcessLookupError):
+                        os.kill(pid, signal.SIGKILL)
 
     def run(self, *options, **circumstances):
         return self.tree.run(*options, self.folder, **circumstances)
@@ -78,9 +88,12 @@ def wait_for(happened, what):
 
 
 def workers_of(process):
-    """The processes that a process has started."""
-    children = pathlib.Path(f"/proc/{process.pid}/task/{process.pid}/children")
-    return [int(pid) for pid in children.read_text().split()]
+    """The processes that a process has started, until it has ended."""
+    try:
+        children = pathlib.Path(f"/proc/{process.pid}/task/{process.pid}/children").read_text()
+    except OSError:
+        return []
+    return [int(pid) for pid in children.split()]
 
 
 def is_running(pid):

@@ -85,6 +85,18 @@ def do(*command, folder=None, **environment):
     return output
 
 
+def end_of(process):
+    """Waits for the end of a run."""
+    try:
+        output = process.communicate(timeout=SECONDS)[0]
+    except subprocess.TimeoutExpired:
+        process.kill()
+        raise
+    code = process.returncode
+    status = code if code >= 0 else signal.Signals(-code).name
+    return Outcome(status, os.fsdecode(output or b""))
+
+
 class Program:
     """A program, by the words that call it: an emulator may stand before its path."""
 
@@ -116,14 +128,7 @@ class Program:
 
     def run(self, *arguments, **circumstances):
         with self.start(*arguments, **circumstances) as process:
-            try:
-                output = process.communicate(timeout=SECONDS)[0]
-            except subprocess.TimeoutExpired:
-                process.kill()
-                raise
-            code = process.returncode
-            status = code if code >= 0 else signal.Signals(-code).name
-            return Outcome(status, os.fsdecode(output or b""))
+            return end_of(process)
 
 
 class Gallery:

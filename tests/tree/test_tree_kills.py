@@ -10,20 +10,20 @@ import signal
 import pytest
 
 from support.collection import is_running, stop_worker, wait_for, workers_of
-from support.gallery import jpeg
+from support.gallery import end_of, jpeg
 
 TRACE = ["strace", "-o", "/dev/null"]
 
 
 @contextlib.contextmanager
 def locked(*folders):
-    """Holds the locks of folders, as another program does."""
+    """Holds the locks of folders, as another program does, until what it yields is called."""
     with contextlib.ExitStack() as files:
         for folder in folders:
             file = os.open(folder, os.O_RDONLY)
             files.callback(os.close, file)
             fcntl.flock(file, fcntl.LOCK_EX | fcntl.LOCK_NB)
-        yield
+        yield files.close
 
 
 @pytest.fixture(scope="session")
@@ -43,7 +43,7 @@ def with_large(collection, large):
 
 @pytest.mark.parametrize("count", [1, 12, 30])
 def test_what_a_run_leaves_that_is_killed_after_some_thumbnails_is_completed(with_large, count):
-    with with_large.start("-j", "2") as run:
+    with with_large.started("-j", "2") as run:
         wait_for(lambda: len(with_large.thumbs()) >= count, f"{count} thumbnails")
         run.kill()
     assert run.returncode == -signal.SIGKILL
@@ -52,27 +52,30 @@ def test_what_a_run_leaves_that_is_killed_after_some_thumbnails_is_completed(wit
 
 
 def test_workers_of_a_killed_run_hold_no_lock_and_end(with_large):
-    with with_large.start("-j", "2") as run:
-        workers = workers_of(run)
+    with with_large.started("-j", "2") as run:
         worker = stop_worker(run, "large.jpg")
+        workers = workers_of(run)
         run.kill()
-    with locked(with_large.folder / "z"):
-        assert is_running(worker)
-    os.kill(worker, signal.SIGCONT)
+        run.wait()
+    try:
+        with locked(with_large.folder / "z"):
+            assert is_running(worker)
+    finally:
+        os.kill(worker, signal.SIGCONT)
     for pid in workers:
         wait_for(lambda: not is_running(pid), f"worker {pid} ends")
 
 
 def test_a_worker_that_is_killed_costs_its_picture_alone(with_large):
-    with with_large.start("-j", "1", "--page") as run:
+    with with_large.started("-j", "1", "--page") as run:
         os.kill(stop_worker(run, "large.jpg"), signal.SIGKILL)
-        output = run.communicate()[0].decode()
-    assert output == (
+        outcome = end_of(run)
+    assert outcome.output == (
         "4 galleries, 32 pictures, 31 thumbnails made\n"
         f"Not finished:\n  {with_large.folder}/z: "
         "the process that made large.jpg was ended by signal 9\n"
     )
-    assert run.returncode == 1
+    assert outcome.status == 1
     assert 'href="z/gallery.html"' in (with_large.folder / "galleries.html").read_text()
     outcome = with_large.run()
     assert outcome.output == "4 galleries, 32 pictures, 1 thumbnail made\n"
@@ -80,12 +83,12 @@ def test_a_worker_that_is_killed_costs_its_picture_alone(with_large):
 
 @pytest.mark.parametrize("number", [signal.SIGINT, signal.SIGTERM], ids=["key", "program"])
 def test_a_run_that_is_ended_by_a(with_large, number):
-    with with_large.start("-j", "1") as run:
+    with with_large.started("-j", "1") as run:
         worker = stop_worker(run, "large.jpg")  # which never ends by itself then
         run.send_signal(number)
-        output = run.communicate()[0]
-    assert run.returncode == 128 + number
-    assert output == b""
+        outcome = end_of(run)
+    assert outcome.status == 128 + number
+    assert outcome.output == ""
     assert not is_running(worker)
     made = [path.rpartition("/")[2] for path in with_large.thumbs() if path.startswith("z/")]
     assert with_large.records("z") == made
@@ -97,17 +100,16 @@ def test_a_run_that_is_ended_by_a(with_large, number):
 def test_an_older_thumbnail_stays_when_a_run_is_interrupted(with_large):
     with_large.run()
     before = with_large.state()
-    with with_large.start("-j", "1", "--remake") as run:
+    with with_large.started("-j", "1", "--remake") as run:
         stop_worker(run, "large.jpg")
         run.terminate()
+        end_of(run)
     assert with_large.state() == before
 
 
 def test_two_runs_at_once_end_like_one(with_large):
-    runs = [with_large.start("-j", "2") for _ in range(2)]
-    for run in runs:
-        run.communicate()
-    assert [run.returncode for run in runs] == [0, 0]
+    with with_large.started("-j", "2") as one, with_large.started("-j", "2") as other:
+        assert [end_of(one).status, end_of(other).status] == [0, 0]
     assert with_large.state() == with_large.plain()
 
 
@@ -118,13 +120,14 @@ def test_folders_that_are_locked_are_made_when_they_are_free(collection, made):
         collection.run()
         for page in collection.folder.glob("*/index.html"):
             page.unlink()
-    with locked(collection.folder / "a", collection.folder / "b"):
-        run = collection.start()
+    locks = locked(collection.folder / "a", collection.folder / "b")
+    with locks as unlock, collection.started() as run:
         said = run.stdout.readline()
-        assert said == b"tessel-tree: waiting for folders that another program has locked\n"
-        assert list(collection.folder.glob("*/index.html")) == [collection.folder / "c/index.html"]
-    run.communicate()
-    assert run.returncode == 0
+        pages = list(collection.folder.glob("*/index.html"))
+        unlock()
+        assert end_of(run).status == 0
+    assert said == b"tessel-tree: waiting for folders that another program has locked\n"
+    assert pages == [collection.folder / "c/index.html"]
     assert collection.state() == collection.plain()
 
 
@@ -168,7 +171,7 @@ def test_after_a_kill_at_any_change_the_next_run_makes_all_good(collection, need
         killed = collection.run("-j", "1", prefix=[*TRACE, "-e", kill])
         if killed.status == 0:
             break
-        assert killed.status == -signal.SIGKILL, killed.output
+        assert killed.status == "SIGKILL", killed.output
         assert "gone.jpg" in collection.records("album"), f"killed at {call} {number}"
         collection.run()
         assert collection.state() == expected, f"killed at {call} {number}"

@@ -118,10 +118,9 @@ def test_the_log_keeps_what_plain_runs_print_picture_by_picture(collection):
 
 def test_so_many_work_at_a_time_as_are_wanted(collection):
     collection.add("large.jpg", content=jpeg(6000, 6000, "-progressive"))
-    with collection.start("-j3") as run:
+    with collection.started("-j3") as run:
         stop_worker(run, "large.jpg")
         assert len(workers_of(run)) == 3
-        run.terminate()
 
 
 # In the place of ssh: runs here what is to run on the machine that answers, `far`.
