@@ -74,9 +74,9 @@ private:
 /// Puts a file with the contents `text` in the place of `path`, where MayReplace allows it. False
 /// where that can't be; the old file is then what it was.
 ///
-/// Where a file stands, the new one is written as a draft in the folder `path`.new, and the drafts of killed runs are
-/// removed there. Where a draft is forbidden, such as in a folder that can't be changed, the file
-/// is overwritten in place, once there is room for all of it.
+/// Where a file stands, the new one is written as a draft in the folder `path`.new, and the drafts
+/// of killed runs are removed there. Where a draft is forbidden, such as in a folder that can't be
+/// changed, the file is overwritten in place, once there is room for all of it.
 bool ReplaceFile(const std::string& path, std::string_view text);
 
 /// The same, but a regular file that already has these contents stays, with its time.
