@@ -36,8 +36,9 @@ public:
     /// that asks for memory and time that no picture will need. (A blank picture in arithmetic
     /// coding could. The limit doesn't apply to pipes.)
     static constexpr std::uint64_t kMaxPixelsPerByte = 1024;
-    /// As much of a file is read; it counts as cut short there. libjpeg looks for the next marker to
-    /// the end of a file, which may be a hole of any size: a gigabyte of one takes a second or two.
+    /// As much of a file is read; it counts as cut short there. libjpeg looks for the next marker
+    /// to the end of a file, which may be a hole of any size: a gigabyte of one takes a second or
+    /// two.
     static constexpr std::uint64_t kMaxFileBytes = std::uint64_t{1} << 32;
     /// Every scan costs a pass over the picture, at worst 2 ns a pixel. Encoders make about ten,
     /// and rarely a hundred. One scan is always read.

@@ -93,8 +93,8 @@ void CGallery::RemoveDrafts() const
 
 void CGallery::ReadThumbs()
 {
-    mKnowsThumbs = mHasThumbs && CFileIO::ResolveWildCard(mPaths.mThumbFolder.c_str(),
-                                                          kPicturePattern, &mThumbs);
+    mKnowsThumbs = mHasThumbs &&
+                   CFileIO::ResolveWildCard(mPaths.mThumbFolder.c_str(), kPicturePattern, &mThumbs);
     if (mHasThumbs && !mKnowsThumbs)
         Fail("tessel can't be listed");
     std::sort(mThumbs.begin(), mThumbs.end());

@@ -67,7 +67,8 @@ def test_more_jobs_than_descriptors_do_all(gallery, tree):
 def test_a_database_that_memory_doesnt_do_for_ends_no_other_gallery(gallery, tree):
     gallery.add("x.jpg")
     gallery.thumbs.mkdir()
-    gallery.database.write_text("".join(f"{number}\t\n" for number in range(1_500_000)))
+    records = "".join(f"{number}\t\n" for number in range(1_500_000))
+    gallery.database.write_text(records + "x.jpg\t2000000000\n")  # so that it is closed at once
     other = gallery.folder / "other"
     other.mkdir()
     (other / "y.jpg").write_bytes(gallery.picture)
