@@ -76,7 +76,7 @@ struct JpegLimitsTest : FolderTest
         for (const auto& row : cases) {
             WriteAll(mFile, row.mJpeg);
             const std::string message = Open(mFile);
-            EXPECT_EQ(mIsOpen, row.mMessage.empty()) << row.mName;
+            EXPECT_EQ(mIsOpen, row.mMessage.empty()) << row.mName << ": whether it is opened";
             EXPECT_THAT(message, testing::EndsWith(row.mMessage)) << row.mName;
         }
     }
