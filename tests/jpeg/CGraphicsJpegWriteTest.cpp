@@ -107,14 +107,3 @@ TEST_F(CGraphicsJpegWriteTest, AFailedCloseRemovesANewFileAndNothingElse)
             << "whether " << row.mName << " is still there";
     }
 }
-
-TEST_F(CGraphicsJpegWriteTest, AFailedCloseLeavesAFileThatHasTakenTheName)
-{
-    mImage.mHeight = 1;
-    mImage.OpenWriteLine(mPath);
-    mImage.WriteLine(mImage.mData);
-    fs::rename(mFile, mFile + ".moved");
-    WriteAll(mFile, "another");
-    OutputWhereClosingFails([&] { mImage.CloseWriteLine(); });
-    EXPECT_EQ(ReadAll(mFile), "another");
-}

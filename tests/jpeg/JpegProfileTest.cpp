@@ -38,7 +38,7 @@ TEST_F(JpegProfileTest, IsPutTogetherOrLeftOut)
         image.mProfile = {7};  // left over
         image.Read(mPath, nullptr);
         EXPECT_EQ(image.mProfile, ToBytes(row.mProfile)) << row.mName;
-        EXPECT_TRUE(AreSame(image.Pixels(), DecodeJpeg(mPicture))) << row.mName;
+        EXPECT_EQ(image.mWarnings, 0) << row.mName;
     }
 }
 
@@ -72,13 +72,14 @@ TEST_F(JpegProfileTest, IsReadUpToALimit)
     std::string markers;
     for (int part = 1; part < kParts; ++part)
         markers += ProfilePart(part, kParts, std::string(kPartBytes, 'p'));
-    for (const std::size_t more : {0, 1}) {
-        const std::string last = ProfilePart(kParts, kParts, std::string(kPartBytes + more, 'p'));
+    for (const bool isTooLarge : {false, true}) {
+        const std::string last =
+            ProfilePart(kParts, kParts, std::string(kPartBytes + isTooLarge, 'p'));
         WriteAll(mFile, WithMarkers(mPicture, markers + last));
         TestImage image;
         image.mKeepProfile = true;
         image.OpenReadLine(mPath);
-        EXPECT_EQ(image.mProfile.size(), more ? 0 : CGraphicsJpeg::kMaxProfileBytes);
+        EXPECT_EQ(image.mProfile.size(), isTooLarge ? 0 : CGraphicsJpeg::kMaxProfileBytes);
     }
 }
 
