@@ -2,10 +2,7 @@
 #define TESSEL_TESTS_JPEG_JPEGTESTSUPPORT_H
 
 // What the tests of this folder share.
-#include <fcntl.h>
 #include <gmock/gmock.h>
-
-#include <cmath>
 
 #include "jpeg/CGraphicsJpeg.h"
 #include "tests/support/TestSupport.h"
@@ -14,10 +11,9 @@
 template <typename Tfound, typename Texpected>
 testing::AssertionResult AreSame(const Tfound& found, const Texpected& expected)
 {
-    const auto sizes =
-        std::to_string(found.size()) + " bytes, expected " + std::to_string(expected.size());
     if (found.size() != expected.size())
-        return testing::AssertionFailure() << sizes;
+        return testing::AssertionFailure()
+               << found.size() << " bytes, expected " << expected.size();
     const auto [at, wanted] = std::mismatch(found.begin(), found.end(), expected.begin());
     if (at == found.end())
         return testing::AssertionSuccess();
@@ -43,40 +39,6 @@ inline Bytes DecodeJpeg(const std::string& jpeg)
     return pixels;
 }
 
-/// A picture as a file, as what it is decoded to, and as the colours that are written of it.
-struct SSample
-{
-    static constexpr int kWidth = 33;
-    static constexpr int kHeight = 21;
-
-    explicit SSample(int components)
-        : mShape(kWidth, kHeight, components * 8),
-          mFile(SampleJpeg(kWidth, kHeight, components)),
-          mPixels(DecodeJpeg(mFile))
-    {
-        for (int i = 0; i < kWidth * kHeight; ++i) {
-            const unsigned char* pixel = &mPixels[static_cast<std::size_t>(i * components)];
-            const double alpha = components == 4 ? pixel[3] / 255.0 : 1.0;
-            for (int colour = 0; colour < 3; ++colour)
-                mRgb.push_back(
-                    static_cast<unsigned char>(std::lround(pixel[colour % components] * alpha)));
-        }
-    }
-
-    Shape mShape;
-    std::string mFile;
-    Bytes mPixels;
-    Bytes mRgb;
-};
-
-struct SKind
-{
-    const char* mName;
-    int mComponents;
-};
-
-inline constexpr SKind kKinds[] = {{"grey", 1}, {"colour", 3}, {"four channels", 4}};
-
 /// All rows of the picture that `image` has opened, which is closed then.
 inline Bytes ReadRows(CGraflibJpeg& image)
 {
@@ -88,30 +50,13 @@ inline Bytes ReadRows(CGraflibJpeg& image)
     return rows;
 }
 
-/// How many descriptors the process has in use.
-inline long OpenDescriptors()
+/// Writes the image's pixels line by line.
+inline void WriteRows(CGraflibJpeg& image, const char* path)
 {
-    long count = 0;
-    for (int descriptor = 0; descriptor < 256; ++descriptor)
-        count += fcntl(descriptor, F_GETFD) == -1 ? 0 : 1;
-    return count;
-}
-
-/// The place of the first marker that begins with `marker`.
-inline std::size_t FindMarker(const std::string& jpeg, const std::string& marker)
-{
-    const std::size_t at = jpeg.find(marker);
-    EXPECT_NE(at, std::string::npos) << "the file that the test makes has not the marker it needs";
-    return at;
-}
-
-/// The file with another size in its header, whose marker is `frame`.
-inline std::string Claiming(std::string jpeg, const char* frame, int width, int height)
-{
-    const auto bytes = [](int side) {
-        return std::string{static_cast<char>(side >> 8), static_cast<char>(side)};
-    };
-    return jpeg.replace(FindMarker(jpeg, frame) + 5, 4, bytes(height) + bytes(width));
+    image.OpenWriteLine(path);
+    for (int y = 0; y < image.mHeight; ++y)
+        image.WriteLine(image.mData + SizeProduct(y, image.RowBytes()));
+    image.CloseWriteLine();
 }
 
 #endif
