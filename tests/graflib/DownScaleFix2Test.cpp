@@ -1,41 +1,23 @@
+// The fixed-point scaler against its definition, in memory and while a picture is read.
 #include <climits>
 #include <new>
 
 #include "tests/support/PixelByPixel.h"
 #include "tests/support/TestSupport.h"
 
-using testing::ElementsAre;
 using testing::Eq;
 using testing::Pointwise;
 using testing::PrintToString;
 
 namespace {
 
+// Area ratios at the thresholds 16 (one is rounded to it), 256 and 1024, and just below them; sides
+// with and without room for 16 fraction bits; more than 256 rows in one sum, and sums beyond 32
+// bits; enlarged, until footprints have no area; the same size.
 const std::vector<Sizes> kSizes = {
-    // Area ratios at and just below the thresholds 16, 256 and 1024; one is rounded to 16.
-    {80, 180, 30, 30},
-    {31, 33, 8, 8},
-    {64, 144, 6, 6},
-    {47, 49, 3, 3},
-    {64, 144, 3, 3},
-    {95, 97, 3, 3},
-    {6, 88, 11, 3},
-    // Sides with and without room for 16 fraction bits.
-    {32767, 1, 3000, 1},
-    {32768, 3, 9999, 2},
-    {70000, 2, 35000, 1},
-    // More than 256 rows in one sum; sums beyond 32 bits.
-    {3, 257, 2, 1},
-    {9, 700, 1, 1},
-    {3, 1200, 2, 2},
-    {3000, 3000, 1, 1},
-    // Enlarged, until footprints have no area; the same size.
-    {300, 2, 2, 7},
-    {9, 2, 9, 900},
-    {2, 1, 70000, 1},
-    {2, 1, 1001, 200},
-    {2, 1, 1, 70000},
-    {33, 21, 33, 21}};
+    {80, 180, 30, 30},  {6, 88, 11, 3}, {64, 144, 6, 6},     {64, 144, 3, 3},   {31, 33, 8, 8},
+    {47, 49, 3, 3},     {95, 97, 3, 3}, {32767, 1, 3000, 1}, {3, 32768, 2, 99}, {9, 700, 1, 1},
+    {3000, 3000, 1, 1}, {300, 2, 2, 7}, {9, 2, 9, 900},      {2, 1, 1001, 200}, {33, 21, 33, 21}};
 
 /// An image that reads its rows out of a record's buffer.
 struct CBufferImage : TestImage
@@ -52,76 +34,59 @@ struct CBufferImage : TestImage
         return true;
     }
     void CloseReadLine() override { mIsClosed = true; }
-    CDataRect Opened() const { return {nullptr, mSource.mWidth, mSource.mHeight, mSource.mBits}; }
-    using CGraflib::ScaleWhileReading;
+    void Scale(int width, int height)
+    {
+        CGraflib::ScaleWhileReading({nullptr, mSource.mWidth, mSource.mHeight, mSource.mBits},
+                                    "x.jpg", width, height);
+    }
 
     CDataRect mSource;
     int mNextRow = 0;
     bool mIsClosed = false;
 };
 
-/// A grey picture scaled by the definition alone, with `shift` fraction bits.
-Bytes ScaledByDefinition(int shift, const Sizes& sizes, const Bytes& pixels)
+struct ScaleWhileReading : testing::Test
 {
-    const auto [width, height, newWidth, newHeight] = sizes;
-    TestImage image({width, height, 8}, pixels);
-    Bytes result(SizeProduct(newWidth, newHeight));
-    ScaleWithShift<CPixel1fixT, SPixel1i<unsigned char>>(image, newWidth, newHeight, shift,
-                                                         result.data());
-    return result;
-}
-
-Bytes Scaled(const Shape& shape, const Bytes& pixels, int width, int height)
-{
-    TestImage image(shape, pixels);
-    OutputOf([&] { image.DownScaleFix2(width, height); });
-    return image.Pixels();
-}
-
-void ExpectRefused(const Shape& shape, const Bytes& pixels, int width, int height,
-                   const std::string& words = "")
-{
-    SCOPED_TRACE(PrintToString(shape) + " to " + PrintToString(std::pair(width, height)));
-    TestImage image(shape, pixels);
-    const unsigned char* const before = image.mData;
-    const unsigned char* result = before;
-    const std::string output = OutputOf([&] { result = image.DownScaleFix2(width, height); });
-    EXPECT_EQ(result, nullptr);
-    EXPECT_EQ(output, words);
-    EXPECT_EQ(image.mData, before);
-    EXPECT_EQ(image.GetShape(), shape);
-}
+    TestImage mSource{{3, 2, 24}, Noise(18)};
+    CBufferImage mImage{mSource};
+};
 
 }  // namespace
 
 // --- The definition ------------------------------------------------------------------------------
 
-TEST(GetScaledPicturePixel, RoundsHalvesUpAtAnyPrecision)
+TEST(GetScaledPicturePixel, WeighsPixelsByTheirCoveredPartAndRounds)
 {
-    for (const int shift : {16, 8, 4, 2})
-        EXPECT_EQ(ScaledByDefinition(shift, {2, 2, 1, 1}, {10, 11, 10, 11}), Bytes{11}) << shift;
+    const struct
+    {
+        const char* mName;
+        int mShift;  ///< fraction bits
+        Sizes mSizes;
+        Bytes mPixels;
+        Bytes mScaled;
+    } rows[] = {{"halves", 16, {2, 2, 1, 1}, {10, 11, 10, 11}, {11}},
+                {"partly covered", 16, {3, 1, 2, 1}, {0, 100, 200}, {33, 167}},
+                {"white at low precision",
+                 2,
+                 {7, 7, 3, 3},
+                 Bytes(49, 255),
+                 {255, 242, 242, 242, 242, 242, 242, 242, 242}},
+                {"without area", 2, {2, 1, 5, 2}, {1, 2}, {1, 1, 1, 1, 2, 1, 1, 1, 1, 2}}};
+    for (const auto& row : rows) {
+        const auto [width, height, newWidth, newHeight] = row.mSizes;
+        TestImage image({width, height, 8}, row.mPixels);
+        Bytes scaled(row.mScaled.size());
+        ScaleWithShift<CPixel1fixT, SPixel1i<unsigned char>>(image, newWidth, newHeight, row.mShift,
+                                                             scaled.data());
+        EXPECT_EQ(scaled, row.mScaled) << row.mName;
+    }
 }
 
-TEST(GetScaledPicturePixel, WeighsPixelsByTheirCoveredPart)
+TEST(MakeScaleParams, CutsTheAreaAsItCutsTheSteps)
 {
-    for (const int shift : {16, 8, 2})
-        EXPECT_THAT(ScaledByDefinition(shift, {3, 1, 2, 1}, {0, 100, 200}), ElementsAre(33, 167))
-            << shift;
-}
-
-TEST(GetScaledPicturePixel, DarkensWhiteAtLowPrecision)
-{
-    EXPECT_THAT(ScaledByDefinition(2, {7, 7, 3, 3}, Bytes(49, 255)),
-                ElementsAre(255, 242, 242, 242, 242, 242, 242, 242, 242));
-}
-
-TEST(GetScaledPicturePixel, TakesThePixelInWhichAFootprintWithoutAreaStarts)
-{
-    Bytes firstRow = ScaledByDefinition(16, {2, 1, 1001, 200}, {1, 2});
-    firstRow.resize(1001);
-    Bytes expected(505, 1);
-    expected.resize(1001, 2);
-    EXPECT_THAT(firstRow, Pointwise(Eq(), expected));
+    const CDataRect source{nullptr, 3, 5, 8};
+    const auto params = MakeScaleParams<8, SPixel1i<unsigned char>>(source, nullptr, 2, 3);
+    EXPECT_EQ(params.mArea.mValue, 639);  // 1.5 * 426, which is 5 / 3 * 256, cut
 }
 
 // --- The scaler ----------------------------------------------------------------------------------
@@ -137,7 +102,7 @@ TEST(DownScaleFix2, EqualsTheDefinitionInMemoryAndWhileReading)
             ScalePixelByPixel(source, newWidth, newHeight, expected.data());
 
             CBufferImage read(source);
-            OutputOf([&, &s = sizes] { read.ScaleWhileReading(read.Opened(), "x", s[2], s[3]); });
+            OutputOf([&, &s = sizes] { read.Scale(s[2], s[3]); });
             EXPECT_EQ(read.mNextRow, height) << "rows that were read";
             ASSERT_THAT(read.Pixels(), Pointwise(Eq(), expected));
 
@@ -145,51 +110,6 @@ TEST(DownScaleFix2, EqualsTheDefinitionInMemoryAndWhileReading)
             ASSERT_THAT(source.Pixels(), Pointwise(Eq(), expected));
         }
     }
-}
-
-TEST(DownScaleFix2, SmallPicturesByHand)
-{
-    EXPECT_EQ(Scaled({2, 2, 8}, {1, 2, 3, 4}, 2, 2), Bytes({1, 2, 3, 4}));
-    EXPECT_EQ(Scaled({1, 1, 8}, {77}, 3, 3), Bytes(9, 77));
-    EXPECT_EQ(Scaled({2, 1, 8}, {0, 90}, 3, 1), Bytes({0, 45, 90}));
-    EXPECT_EQ(Scaled({7, 7, 8}, Bytes(49, 255), 3, 3), Bytes(9, 255));
-    EXPECT_EQ(Scaled({1, 1 << 23, 8}, Bytes(1 << 23, 255), 4, 1), Bytes(4, 255));
-    EXPECT_EQ(Scaled({1, 2, 24}, {10, 20, 30, 50, 60, 70}, 1, 1), Bytes({30, 40, 50}));
-    EXPECT_EQ(Scaled({1, 2, 32}, {1, 2, 3, 4, 3, 4, 5, 6}, 1, 1), Bytes({2, 3, 4, 5}));
-    EXPECT_EQ(Scaled({2, 1, 16}, Shorts({255, 258}), 1, 1), Shorts({257}));
-    EXPECT_EQ(Scaled({2, 1, 16}, Shorts({-1, 0}), 1, 1), Shorts({0}));
-    EXPECT_EQ(Scaled({2, 1, 16}, Shorts({-1, -2}), 1, 1), Shorts({-1}));
-}
-
-TEST(DownScaleFix2, ReturnsTheRecordsNewBuffer)
-{
-    TestImage image({4, 4, 24}, Bytes(48));
-    const unsigned char* result = nullptr;
-    OutputOf([&] { result = image.DownScaleFix2(2, 3); });
-    EXPECT_EQ(result, image.mData);
-    EXPECT_EQ(image.GetShape(), Shape(2, 3, 24));
-}
-
-TEST(DownScaleFix2, WritesTheBytesOfAPixelAndTheRatioOf24Bits)
-{
-    for (const int bits : {8, 16, 24, 32}) {
-        TestImage image({4, 4, bits}, Bytes(64));
-        const std::string output = OutputOf([&] { image.DownScaleFix2(2, 2); });
-        const std::string ratio = bits == 24 ? "ScaleFakt=4\n" : "";
-        EXPECT_EQ(output, ratio + "sizeof(Tpixel)=" + std::to_string(bits / 8) + "\n");
-    }
-}
-
-TEST(DownScaleFix2, RefusesWhatCannotBeScaled)
-{
-    ExpectRefused({4, 4, 1}, Bytes(64), 2, 2, "***** unsupported bitcount:1\n");
-    ExpectRefused({4, 4, 24}, Bytes(64), 0, 2);
-    ExpectRefused({4, 4, 24}, Bytes(64), 2, -1);
-    ExpectRefused({0, 4, 24}, Bytes(64), 2, 2);
-    ExpectRefused({4, 0, 24}, Bytes(64), 2, 2);
-    ExpectRefused({4, 4, 24}, {}, 2, 2);
-    ExpectRefused({1 << 29, 1, 8}, Bytes(64), 2, 2);
-    ExpectRefused({1, 1 << 29, 8}, Bytes(64), 2, 2);
 }
 
 TEST(DownScalePicture, FillsNothingForATargetWithoutPixels)
@@ -203,39 +123,33 @@ TEST(DownScalePicture, FillsNothingForATargetWithoutPixels)
 
 // --- A picture that is read meanwhile ------------------------------------------------------------
 
-TEST(ScaleWhileReading, ReadsAllRowsAndSaysSoAlsoWhenItRefuses)
+TEST_F(ScaleWhileReading, WritesTheLinesOfReadingAndScaling)
 {
-    const std::string shown = "x.jpg Width=3 Height=2 mBits=24 Data != NULL\n";
-    const std::string scaled = shown + "ScaleFakt=3\nsizeof(Tpixel)=3\n";
-    for (const int width : {1, 0}) {
-        TestImage source({3, 2, 24}, Noise(18));
-        CBufferImage image(source);
-        const std::string output =
-            OutputOf([&] { image.ScaleWhileReading(image.Opened(), "x.jpg", width, 2); });
-        EXPECT_EQ(output, width == 1 ? scaled : shown);
-        EXPECT_EQ(image.mWidth, width);
-        EXPECT_EQ(image.mNextRow, 2) << width;
-        EXPECT_TRUE(image.mIsClosed) << width;
-    }
+    const std::string output = OutputOf([&] { mImage.Scale(1, 2); });
+    EXPECT_EQ(output,
+              "x.jpg Width=3 Height=2 mBits=24 Data != NULL\nScaleFakt=3\nsizeof(Tpixel)=3\n");
+    EXPECT_TRUE(mImage.mIsClosed);
 }
 
-TEST(ScaleWhileReading, ReadsAllRowsAlsoWhenThereIsNoMemory)
+TEST_F(ScaleWhileReading, ReadsAllRowsAlsoWhenItRefuses)
 {
-    TestImage source({3, 2, 24}, Noise(18));
-    CBufferImage image(source);
-    EXPECT_THROW(image.ScaleWhileReading(image.Opened(), "x.jpg", INT_MAX, INT_MAX),
-                 std::bad_alloc);
-    EXPECT_EQ(image.mNextRow, 2);
-    EXPECT_TRUE(image.mIsClosed);
+    const std::string output = OutputOf([&] { mImage.Scale(0, 2); });
+    EXPECT_EQ(output, "x.jpg Width=3 Height=2 mBits=24 Data != NULL\n");
+    EXPECT_EQ(mImage.mNextRow, 2);
+    EXPECT_TRUE(mImage.mIsClosed);
 }
 
-TEST(ScaleWhileReading, ThrowsWhenARowCannotBeRead)
+TEST_F(ScaleWhileReading, ReadsAllRowsAlsoWhenThereIsNoMemory)
 {
-    TestImage source({3, 2, 24}, Noise(18));
-    CBufferImage image(source);
-    image.mNextRow = 1;
-    const std::string output =
-        OutputOf([&] { image.ScaleWhileReading(image.Opened(), "x.jpg", 1, 1); });
+    EXPECT_THROW(mImage.Scale(INT_MAX, INT_MAX), std::bad_alloc);
+    EXPECT_EQ(mImage.mNextRow, 2);
+    EXPECT_TRUE(mImage.mIsClosed);
+}
+
+TEST_F(ScaleWhileReading, ThrowsWhenARowCannotBeRead)
+{
+    mImage.mNextRow = 1;
+    const std::string output = OutputOf([&] { mImage.Scale(1, 1); });
     EXPECT_EQ(output, "Errors: 1 x.jpg");
-    EXPECT_EQ(image.mData, nullptr);
+    EXPECT_EQ(mImage.mData, nullptr);
 }

@@ -1,65 +1,97 @@
+// Both scalers of whole pictures: DownScaleFix2 rounds, DownScale cuts.
 #include "tests/support/TestSupport.h"
 
 namespace {
 
-Bytes Scaled(const Shape& shape, const Bytes& pixels, int width, int height)
-{
-    TestImage image(shape, pixels);
-    image.DownScale(width, height);
-    return image.Pixels();
-}
+using Scaler = unsigned char* (CGraflib::*)(int width, int height);
 
-void ExpectRefused(const Shape& shape, const Bytes& pixels, int width, int height)
+constexpr Scaler kFixed = &CGraflib::DownScaleFix2;
+constexpr Scaler kFloat = &CGraflib::DownScale;
+
+const Bytes kRamp = {0, 0, 0, 1, 2, 3, 2, 4, 6, 3, 6, 9, 4, 8, 12, 26, 28, 30};
+
+Bytes Scaled(Scaler scaler, const Shape& shape, const Bytes& pixels, int width, int height)
 {
-    SCOPED_TRACE(testing::PrintToString(shape));
     TestImage image(shape, pixels);
-    const unsigned char* const before = image.mData;
-    const unsigned char* const result = image.DownScale(width, height);
-    EXPECT_EQ(result, nullptr);
-    EXPECT_EQ(image.mData, before);
-    EXPECT_EQ(image.GetShape(), shape);
+    const unsigned char* result = nullptr;
+    OutputOf([&] { result = (image.*scaler)(width, height); });
+    EXPECT_EQ(result, image.mData) << "the record's new buffer";
+    EXPECT_EQ(image.GetShape(), Shape(width, height, std::get<2>(shape)));
+    return image.Pixels();
 }
 
 }  // namespace
 
-TEST(DownScale, CutsTheMeansOfSmallPictures)
+TEST(Scalers, RoundOrCutTheMeansOfSmallPictures)
 {
-    EXPECT_EQ(Scaled({2, 2, 8}, {10, 11, 10, 11}, 1, 1), Bytes({10}));
-    EXPECT_EQ(Scaled({3, 1, 8}, {0, 100, 200}, 2, 1), Bytes({33, 166}));
-    EXPECT_EQ(Scaled({2, 1, 8}, {0, 90}, 3, 1), Bytes({0, 45, 89}));
-    EXPECT_EQ(Scaled({1, 2, 24}, {10, 20, 30, 50, 60, 70}, 1, 1), Bytes({30, 40, 50}));
-    EXPECT_EQ(Scaled({2, 1, 16}, Shorts({255, 258}), 1, 1), Shorts({256}));
-    EXPECT_EQ(Scaled({2, 1, 16}, Shorts({-1, 0}), 1, 1), Shorts({0}));
-    EXPECT_EQ(Scaled({2, 1, 16}, Shorts({-1, -2}), 1, 1), Shorts({-1}));
+    const struct
+    {
+        const char* mName;
+        Shape mShape;
+        Bytes mPixels;
+        int mWidth;
+        Bytes mRounded;
+        Bytes mCut;
+    } rows[] = {
+        {"halves", {2, 2, 8}, {10, 11, 10, 11}, 1, {11}, {10}},
+        {"partly covered", {3, 1, 8}, {0, 100, 200}, 2, {33, 167}, {33, 166}},
+        {"enlarged", {2, 1, 8}, {0, 90}, 3, {0, 45, 90}, {0, 45, 89}},
+        {"colours", {6, 1, 24}, kRamp, 1, {6, 8, 10}, {6, 8, 10}},
+        {"16 bits", {2, 1, 16}, Shorts({255, 258}), 1, Shorts({257}), Shorts({256})},
+        {"half below 0", {2, 1, 16}, Shorts({-1, 0}), 1, Shorts({0}), Shorts({0})},
+        {"half below -1", {2, 1, 16}, Shorts({-1, -2}), 1, Shorts({-1}), Shorts({-1})},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.mName);
+        EXPECT_EQ(Scaled(kFixed, row.mShape, row.mPixels, row.mWidth, 1), row.mRounded);
+        EXPECT_EQ(Scaled(kFloat, row.mShape, row.mPixels, row.mWidth, 1), row.mCut);
+    }
 }
 
-TEST(DownScale, SumsLongRowsAndColumns)
+TEST(Scalers, RefuseWhatCannotBeScaled)
 {
-    const Bytes ramp{0, 0, 0, 1, 2, 3, 2, 4, 6, 3, 6, 9, 4, 8, 12, 26, 28, 30};
-    EXPECT_EQ(Scaled({6, 1, 24}, ramp, 1, 1), Bytes({6, 8, 10}));
-    EXPECT_EQ(Scaled({260, 1, 8}, Bytes(260, 255), 1, 1), Bytes({255}));
-    EXPECT_EQ(Scaled({1, 3000000, 8}, Bytes(3000000, 255), 1, 1), Bytes({255}));
+    const struct
+    {
+        const char* mName;
+        Scaler mScaler;
+        Shape mShape;
+        Bytes mPixels;
+        int mWidth;
+        int mHeight;
+        const char* mOutput;
+    } rows[] = {{"float: depth 32", kFloat, {4, 4, 32}, Bytes(64), 2, 2, ""},
+                {"float: no buffer", kFloat, {4, 4, 24}, {}, 2, 2, ""},
+                {"float: no columns", kFloat, {0, 4, 24}, Bytes(64), 2, 2, ""},
+                {"float: no rows", kFloat, {4, 0, 24}, Bytes(64), 2, 2, ""},
+                {"float: target width 0", kFloat, {4, 4, 24}, Bytes(64), 0, 2, ""},
+                {"float: target height -1", kFloat, {4, 4, 24}, Bytes(64), 2, -1, ""},
+                {"depth 1", kFixed, {4, 4, 1}, Bytes(64), 2, 2, "***** unsupported bitcount:1\n"},
+                {"no buffer", kFixed, {4, 4, 24}, {}, 2, 2, ""},
+                {"no columns", kFixed, {0, 4, 24}, Bytes(64), 2, 2, ""},
+                {"no rows", kFixed, {4, 0, 24}, Bytes(64), 2, 2, ""},
+                {"target width 0", kFixed, {4, 4, 24}, Bytes(64), 0, 2, ""},
+                {"target height -1", kFixed, {4, 4, 24}, Bytes(64), 2, -1, ""},
+                {"too wide", kFixed, {1 << 29, 1, 8}, Bytes(64), 2, 2, ""}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.mName);
+        TestImage image(row.mShape, row.mPixels);
+        const unsigned char* const before = image.mData;
+        const unsigned char* result = before;
+        const std::string output =
+            OutputOf([&] { result = (image.*row.mScaler)(row.mWidth, row.mHeight); });
+        EXPECT_EQ(result, nullptr);
+        EXPECT_EQ(output, row.mOutput);
+        EXPECT_EQ(image.mData, before);
+        EXPECT_EQ(image.GetShape(), row.mShape);
+    }
 }
 
-TEST(DownScale, DarkensWhiteWhereSumsAreNotExact)
+TEST(DownScaleFix2, WritesTheBytesOfAPixelAndTheRatioOf24Bits)
 {
-    EXPECT_EQ(Scaled({7, 7, 8}, Bytes(49, 255), 3, 3),
-              Bytes({255, 254, 255, 255, 254, 255, 255, 255, 255}));
-}
-
-TEST(DownScale, ReturnsTheRecordsNewBuffer)
-{
-    TestImage image({4, 4, 24}, Bytes(48));
-    const unsigned char* const result = image.DownScale(2, 3);
-    EXPECT_EQ(result, image.mData);
-    EXPECT_EQ(image.GetShape(), Shape(2, 3, 24));
-}
-
-TEST(DownScale, RefusesWhatCannotBeScaled)
-{
-    ExpectRefused({1, 2, 32}, Bytes(8), 1, 1);
-    ExpectRefused({2, 1, 8}, {}, 1, 1);
-    ExpectRefused({0, 1, 8}, Bytes(1), 1, 1);
-    ExpectRefused({2, 1, 8}, Bytes(2), 0, 1);
-    ExpectRefused({1, 2, 8}, Bytes(2), 1, -1);
+    for (const int bits : {8, 16, 24, 32}) {
+        TestImage image({4, 4, bits}, Bytes(64));
+        const std::string output = OutputOf([&] { image.DownScaleFix2(2, 2); });
+        const std::string ratio = bits == 24 ? "ScaleFakt=4\n" : "";
+        EXPECT_EQ(output, ratio + "sizeof(Tpixel)=" + std::to_string(bits / 8) + "\n");
+    }
 }
