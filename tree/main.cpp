@@ -51,8 +51,7 @@ std::string WholePath(const std::string& folder)
 /// As many jobs as the descriptors of a process do for, but one at least.
 std::size_t MostJobs()
 {
-    constexpr rlim_t kForOneJob =
-        6;  // two pipes, and galleries of the pictures that it has in hand
+    constexpr rlim_t kForOneJob = 6;  // two pipes, and the galleries of four pictures in hand
     constexpr rlim_t kForOthers = 10;
     struct rlimit limit = {};
     if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur < kForOthers + kForOneJob)
