@@ -81,18 +81,21 @@ def test_a_worker_that_is_killed_costs_its_picture_alone(with_large):
     assert outcome.output == "4 galleries, 32 pictures, 1 thumbnail made\n"
 
 
-@pytest.mark.parametrize("number", [signal.SIGINT, signal.SIGTERM], ids=["key", "program"])
-def test_a_run_that_is_ended_by_a(with_large, number):
+@pytest.mark.parametrize("number", [signal.SIGINT, signal.SIGTERM], ids=["key press", "kill"])
+def test_what_is_made_is_saved_and_nothing_half_made_stays_after_a(with_large, number):
+    thumbs = with_large.folder / "z/tessel"
     with with_large.started("-j", "1") as run:
         worker = stop_worker(run, "large.jpg")  # which never ends by itself then
+        (thumbs / "large.jpg").write_bytes(b"what the worker may have written so far")
+        (thumbs / "tessel-tree.new").mkdir(exist_ok=True)
+        (thumbs / "tessel-tree.new/draft-1-0").write_bytes(b"the same of an older one")
         run.send_signal(number)
         outcome = end_of(run)
     assert outcome.status == 128 + number
     assert outcome.output == ""
     assert not is_running(worker)
-    made = [path.rpartition("/")[2] for path in with_large.thumbs() if path.startswith("z/")]
-    assert with_large.records("z") == made
-    assert sorted(os.listdir(with_large.folder / "z/tessel")) == [*made, "tesselbase.txt"]
+    assert sorted(os.listdir(thumbs)) == [*with_large.records("z"), "tesselbase.txt"]
+    assert len(with_large.records("a")) == 10
     with_large.run()
     assert with_large.state() == with_large.plain()
 
