@@ -88,7 +88,7 @@ def test_what_is_made_is_saved_and_nothing_half_made_stays_after_a(with_large, n
         worker = stop_worker(run, "large.jpg")  # which never ends by itself then
         (thumbs / "large.jpg").write_bytes(b"what the worker may have written so far")
         (thumbs / "tessel-tree.new").mkdir(exist_ok=True)
-        (thumbs / "tessel-tree.new/draft-1-0").write_bytes(b"the same of an older one")
+        (thumbs / "tessel-tree.new/tessel-draft-1-0").write_bytes(b"the same of an older one")
         run.send_signal(number)
         outcome = end_of(run)
     assert outcome.status == 128 + number
