@@ -30,7 +30,7 @@ struct CGraphicsJpegWriteTest : FolderTest
     std::string OutputWhereClosingFails(Call write)
     {
         closingFails = true;
-        const std::string output = OutputOf(write);
+        std::string output = OutputOf(write);
         closingFails = false;
         return output;
     }
