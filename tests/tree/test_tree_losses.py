@@ -151,6 +151,7 @@ def test_what_a_user_may_not_change_is_named_and_stays_on_the_page_of_galleries(
     (collection.folder / "kept").chmod(0o555)
     (collection.folder / "sealed/tessel").chmod(0o777)
     (collection.folder / "sealed/tessel/tesselbase.txt").chmod(0)
+    (collection.folder / "sealed/tessel/x.jpg").unlink()
     outcome = collection.run("--page", **stranger)
     assert outcome.output.startswith("3 galleries, 3 pictures, 0 thumbnails made\n")
     assert f"  {collection.folder}/sealed: the database can't be read\n" in outcome.output
