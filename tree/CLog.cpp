@@ -5,7 +5,10 @@
 #include <unistd.h>
 
 #include <ctime>
+#include <filesystem>
+#include <system_error>
 
+#include "app/GalleryLayout.h"
 #include "app/OutputFile.h"
 
 namespace {
@@ -31,6 +34,10 @@ CLog::~CLog()
 
 bool CLog::Open(const std::string& path)
 {
+    // A link may lead to a picture, which no log may be appended to.
+    std::error_code error;
+    if (IsPictureName(std::filesystem::canonical(path, error).filename().string()))
+        return false;
     // Without waiting for a reader, should it be a FIFO.
     const int file =
         open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, kNewFileMode);

@@ -25,6 +25,7 @@ class Collection:
     def add(self, *names, content=None, time=1_000_000_000):
         """Puts pictures, or files of another content, into the folder and into its twin."""
         for name in names:
+            assert not os.path.isabs(name), f"this lies outside: {name}"
             for path in self.folder / name, self.twin / name:
                 path.parent.mkdir(parents=True, exist_ok=True)
                 path.write_bytes(self.picture if content is None else content)

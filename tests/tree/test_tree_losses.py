@@ -141,12 +141,17 @@ def test_the_environment_changes_nothing(collection):
 def test_what_a_user_may_not_change_is_named_and_stays_on_the_page_of_galleries(
     collection, stranger
 ):
-    collection.add("album/x.jpg", "closed/x.jpg", "kept/x.jpg")
+    collection.add("album/x.jpg", "closed/x.jpg", "kept/x.jpg", "sealed/x.jpg")
     collection.run()
     collection.folder.chmod(0o777)
     (collection.folder / "closed").chmod(0o333)
     (collection.folder / "kept").chmod(0o555)
+    (collection.folder / "sealed/tessel").chmod(0o777)
+    (collection.folder / "sealed/tessel/tesselbase.txt").chmod(0)
+    (collection.folder / "sealed/tessel/x.jpg").unlink()
     outcome = collection.run("--page", **stranger)
+    assert outcome.output.startswith("3 galleries, 3 pictures, 0 thumbnails made\n")
+    assert f"  {collection.folder}/sealed: the database can't be read\n" in outcome.output
     assert f"  {collection.folder}/closed: Permission denied\n" in outcome.output
     assert f"  {collection.folder}/kept: gallery.html can't be written\n" in outcome.output
     assert 'href="kept/gallery.html"' in (collection.folder / "galleries.html").read_text()
