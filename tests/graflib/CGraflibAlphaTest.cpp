@@ -2,7 +2,6 @@
 
 using testing::Each;
 using testing::ElementsAre;
-using testing::EndsWith;
 using testing::PrintToString;
 
 // --- SeparateAlpha -------------------------------------------------------------------------------
@@ -93,17 +92,21 @@ TEST(CombineWithAlpha, ThrowsForTheFirstConditionThatIsNotMet)
         Shape mImage;
         Shape mOverlay;
         int mCode;
-    } rows[] = {{"nothing fits", {1, 2, 32}, {1, 3, 24}, GLIB_ERR_NOT24BIT},
-                {"overlay without alpha", {1, 2, 24}, {1, 3, 24}, GLIB_ERR_NOT32BIT},
-                {"overlay too high", {1, 2, 24}, {1, 3, 32}, GLIB_ERR_SIZE},
-                {"overlay too wide", {1, 2, 24}, {2, 2, 32}, GLIB_ERR_SIZE}};
+        const char* mText;
+    } rows[] = {
+        {"nothing fits", {1, 2, 32}, {1, 3, 24}, GLIB_ERR_NOT24BIT, "Datei muss 24 bit sein"},
+        {"no alpha", {1, 2, 24}, {1, 3, 24}, GLIB_ERR_NOT32BIT, "Datei muss 32 bit sein"},
+        {"too high", {1, 2, 24}, {1, 3, 32}, GLIB_ERR_SIZE, "Groesse der Bitmaps verschieden"},
+        {"too wide", {1, 2, 24}, {2, 2, 32}, GLIB_ERR_SIZE, "Groesse der Bitmaps verschieden"},
+    };
     for (const auto& row : rows) {
+        SCOPED_TRACE(row.mName);
         TestImage image(row.mImage, Bytes(8, 1));
         TestImage overlay(row.mOverlay, Bytes(16, 255));
         const std::string output = OutputOf([&] { image.CombineWithAlpha(&overlay); });
-        EXPECT_THAT(output, EndsWith("Errors: " + std::to_string(row.mCode) + " CombineWithAlpha"))
-            << row.mName;
-        EXPECT_THAT(image.Pixels(), Each(1)) << row.mName;
+        EXPECT_EQ(output, std::string("GLIB error: ") + row.mText +
+                              "\nErrors: " + std::to_string(row.mCode) + " CombineWithAlpha");
+        EXPECT_THAT(image.Pixels(), Each(1));
     }
 }
 

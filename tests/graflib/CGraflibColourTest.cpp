@@ -4,25 +4,16 @@ using testing::ElementsAre;
 
 TEST(SwapRedBlue, ExchangesTheFirstAndThirdByteOrRefuses)
 {
-    const struct
-    {
-        Shape mShape;
-        Bytes mPixels;
-        Bytes mSwapped;
-        const char* mOutput;
-    } rows[] = {{{1, 2, 24}, {1, 2, 3, 4, 5, 6}, {3, 2, 1, 6, 5, 4}, ""},
-                {{1, 2, 32}, {1, 2, 3, 4, 5, 6, 7, 8}, {3, 2, 1, 4, 7, 6, 5, 8}, ""},
-                {{1, 2, 16},
-                 {1, 2, 3, 4},
-                 {1, 2, 3, 4},
-                 "***** CGraflib::SwapRedBlue: not 24 or 32 bit\n"}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::PrintToString(row.mShape));
-        TestImage image(row.mShape, row.mPixels);
-        const std::string output = OutputOf([&] { image.SwapRedBlue(); });
-        EXPECT_EQ(image.Pixels(), row.mSwapped);
-        EXPECT_EQ(output, row.mOutput);
-    }
+    TestImage rgb({1, 2, 24}, {1, 2, 3, 4, 5, 6});
+    TestImage rgba({1, 2, 32}, {1, 2, 3, 4, 5, 6, 7, 8});
+    TestImage deep({2, 1, 16}, {1, 2, 3, 4});
+    rgb.SwapRedBlue();
+    rgba.SwapRedBlue();
+    const std::string output = OutputOf([&] { deep.SwapRedBlue(); });
+    EXPECT_THAT(rgb.Pixels(), ElementsAre(3, 2, 1, 6, 5, 4));
+    EXPECT_THAT(rgba.Pixels(), ElementsAre(3, 2, 1, 4, 7, 6, 5, 8));
+    EXPECT_THAT(deep.Pixels(), ElementsAre(1, 2, 3, 4));
+    EXPECT_EQ(output, "***** CGraflib::SwapRedBlue: not 24 or 32 bit\n");
 }
 
 TEST(ConvertPal, LooksUpColoursAndAlphasFrom0To255)

@@ -10,28 +10,15 @@ TEST(CGraflib, ShowWritesALineOnTheRecord)
     EXPECT_EQ(OutputOf([&] { image.Show(nullptr); }), "Width=2 Height=1 mBits=24 Data != NULL\n");
 }
 
-TEST(CGraflibException, ExplainsItsCodeAndShowGlibErrorDoesFrom4To6)
+TEST(CGraflibException, SaysWhatIsWrongWithWhat)
 {
-    const struct
-    {
-        int mCode;
-        const char* mWhat;
-        const char* mShown;
-    } rows[] = {
-        {GLIB_ERR_READ, "x: can't be read", ""},
-        {GLIB_ERR_WRITE, "x: can't be written", ""},
-        {3, "x: failed", ""},
-        {GLIB_ERR_SIZE, "x: the pictures differ in size",
-         "GLIB error: Groesse der Bitmaps verschieden\n"},
-        {GLIB_ERR_NOT32BIT, "x: the other picture must have 32 bits",
-         "GLIB error: Datei muss 32 bit sein\n"},
-        {GLIB_ERR_NOT24BIT, "x: this picture must have 24 bits",
-         "GLIB error: Datei muss 24 bit sein\n"},
-    };
-    for (const auto& row : rows) {
-        CGraflibException exception(row.mCode, "x");
-        const std::string shown = OutputOf([&] { TestImage().ShowGlibError(exception); });
-        EXPECT_STREQ(exception.what(), row.mWhat) << row.mCode;
-        EXPECT_EQ(shown, row.mShown) << row.mCode;
-    }
+    const std::pair<int, const char*> rows[] = {
+        {GLIB_ERR_READ, "x: can't be read"},
+        {GLIB_ERR_WRITE, "x: can't be written"},
+        {GLIB_ERR_SIZE, "x: the pictures differ in size"},
+        {GLIB_ERR_NOT32BIT, "x: the other picture must have 32 bits"},
+        {GLIB_ERR_NOT24BIT, "x: this picture must have 24 bits"},
+        {3, "x: failed"}};
+    for (const auto& [code, text] : rows)
+        EXPECT_STREQ(CGraflibException(code, "x").what(), text) << "code " << code;
 }

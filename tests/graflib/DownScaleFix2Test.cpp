@@ -15,9 +15,10 @@ namespace {
 // with and without room for 16 fraction bits; more than 256 rows in one sum, and sums beyond 32
 // bits; enlarged, until footprints have no area; the same size.
 const std::vector<Sizes> kSizes = {
-    {80, 180, 30, 30},  {6, 88, 11, 3}, {64, 144, 6, 6},     {64, 144, 3, 3},   {31, 33, 8, 8},
-    {47, 49, 3, 3},     {95, 97, 3, 3}, {32767, 1, 3000, 1}, {3, 32768, 2, 99}, {9, 700, 1, 1},
-    {3000, 3000, 1, 1}, {300, 2, 2, 7}, {9, 2, 9, 900},      {2, 1, 1001, 200}, {33, 21, 33, 21}};
+    {80, 180, 30, 30},   {6, 88, 11, 3},      {64, 144, 6, 6},   {64, 144, 3, 3},
+    {31, 33, 8, 8},      {47, 49, 3, 3},      {95, 97, 3, 3},    {32767, 1, 3000, 1},
+    {3, 32768, 2, 9999}, {32768, 3, 9999, 2}, {9, 700, 1, 1},    {3000, 3000, 1, 1},
+    {300, 2, 2, 7},      {9, 2, 9, 900},      {2, 1, 1001, 200}, {33, 21, 33, 21}};
 
 /// An image that reads its rows out of a record's buffer.
 struct CBufferImage : TestImage
@@ -110,6 +111,16 @@ TEST(DownScaleFix2, EqualsTheDefinitionInMemoryAndWhileReading)
             ASSERT_THAT(source.Pixels(), Pointwise(Eq(), expected));
         }
     }
+}
+
+TEST(DownScaleFix2, RoundsAMeanJustBelowAHalfDownOverMillionsOfPixels)
+{
+    Bytes pixels(3000 * 3000, 255);
+    std::fill_n(pixels.begin(), pixels.size() / 2, 254);
+    pixels[0] = 253;
+    TestImage image({3000, 3000, 8}, pixels);
+    OutputOf([&] { image.DownScaleFix2(1, 1); });
+    EXPECT_EQ(image.Pixels(), Bytes{254});
 }
 
 TEST(DownScalePicture, FillsNothingForATargetWithoutPixels)
