@@ -235,7 +235,7 @@ EReplaced CDraft::Open()
     const int file = CreateFile();
     if (file < 0)
         return errno == ENOENT ? EReplaced::kLost : ReasonOf(errno);
-    const bool same = TakeOn(file);
+    const bool same = TakeOverProperties(file);
     const bool isFull = !same && (errno == ENOSPC || errno == EDQUOT);
     mStream = same ? fdopen(file, "wb") : nullptr;
     if (mStream)
@@ -245,7 +245,7 @@ EReplaced CDraft::Open()
 }
 
 /// Gives the draft what an ordinary file in its place has: owner, mode, extended attributes.
-bool CDraft::TakeOn(int file) const
+bool CDraft::TakeOverProperties(int file) const
 {
     struct stat old = {};
     if (lstat(mPath.c_str(), &old) != 0 || !IsOrdinary(old))

@@ -63,7 +63,7 @@ public:
 
 private:
     int CreateFile();
-    bool TakeOn(int file) const;
+    bool TakeOverProperties(int file) const;
 
     const CDraftFolder& mFolder;
     std::string mPath;

@@ -39,7 +39,7 @@ void ReadScaled(CGraflibJpeg& image, const char* source, int size)
 bool CThumbnail::Read(const char* source, int size)
 {
     std::cout << "Reading " << source << std::endl;
-    if (!IsReadable(source))
+    if (!IsFileOrFolder(source))
         return false;
     try {
         ReadScaled(mImage, source, size < 1 ? kDefaultThumbSize : size);

@@ -32,7 +32,7 @@ long RecordTime(std::int64_t time)
 int OpenForReading(const char* path)
 {
     const int file = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (file < 0 && errno == EWOULDBLOCK && IsReadable(path))
+    if (file < 0 && errno == EWOULDBLOCK && IsFileOrFolder(path))
         return open(path, O_RDONLY | O_CLOEXEC);
     return file;
 }

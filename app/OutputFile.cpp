@@ -28,7 +28,7 @@ int OpenOrdinary(const char* path)
     // Without waiting, should it be a FIFO by now. A file that a server holds a lease on can't be
     // opened so: the server is asked to give it up.
     int file = open(path, kFlags | O_NONBLOCK);
-    if (file < 0 && errno == EWOULDBLOCK && IsReadable(path))
+    if (file < 0 && errno == EWOULDBLOCK && IsFileOrFolder(path))
         file = open(path, kFlags);
     if (file < 0)
         return -1;
@@ -123,7 +123,7 @@ bool MakeThumbFolder(const std::string& folder, const std::string& dbase)
     return stat(dbase.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
-bool IsReadable(const char* path)
+bool IsFileOrFolder(const char* path)
 {
     struct stat status = {};
     return stat(path, &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));

@@ -37,6 +37,6 @@ bool MakeThumbFolder(const std::string& folder, const std::string& dbase);
 
 /// True for a file that can be read to an end without waiting, also at the end of a link. Folders
 /// count: they read as empty files.
-bool IsReadable(const char* path);
+bool IsFileOrFolder(const char* path);
 
 #endif

@@ -1,10 +1,10 @@
-"""A program is built with the installed library, by CMake and by pkg-config, and makes a thumbnail."""
+"""A program is built with the installed library, by CMake and by pkg-config, and halves a picture."""
 
 import pytest
 
 from support.gallery import PROJECT, do, jpeg, size_of
 
-SOURCE = PROJECT / "examples/make_thumbnail.cpp"
+SOURCE = PROJECT / "examples/halve_lines.cpp"
 
 
 def by_cmake(folder):
@@ -21,8 +21,8 @@ def by_pkg_config(folder):
 
 
 @pytest.mark.parametrize("build_program", [by_cmake, by_pkg_config])
-def test_a_program_makes_a_thumbnail(tmp_path, build_program):
+def test_a_program_halves_a_picture(tmp_path, build_program):
     program = build_program(tmp_path)
     (tmp_path / "picture.jpg").write_bytes(jpeg(300, 200))
-    do(program, tmp_path / "picture.jpg", tmp_path / "thumb.jpg", "96")
-    assert size_of(tmp_path / "thumb.jpg") == (96, 64)
+    do(program, tmp_path / "picture.jpg", tmp_path / "half.jpg")
+    assert size_of(tmp_path / "half.jpg") == (150, 100)
