@@ -124,6 +124,8 @@ TEST_F(CFileIOTest, NothingHappensWithoutAFile)
     mIO.OpenFileWrite(mPath, 0);
     mIO.OpenFileRead(mPath, 0);
     mIO.CloseFile();
+    ASSERT_FALSE(mIO.mReadOk);
+    ASSERT_FALSE(mIO.mWriteOk);
     ExpectNothingHappens("after a close");
     EXPECT_TRUE(mIO.IsEof());
 }
