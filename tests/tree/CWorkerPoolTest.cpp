@@ -26,14 +26,14 @@ static std::string Work(const std::string& request)
 }
 
 /// The results of requests, by the requests' numbers.
-static std::map<std::uint64_t, STaskResult> ResultsOf(CWorkerPool& pool, const Names& requests)
+static std::map<std::size_t, STaskResult> ResultsOf(CWorkerPool& pool, const Names& requests)
 {
     for (std::size_t i = 0; i < requests.size(); ++i)
         pool.Give(i, requests[i]);
-    std::map<std::uint64_t, STaskResult> results;
+    std::map<std::size_t, STaskResult> results;
     while (pool.IsBusy()) {
         for (const STaskResult& result : pool.Wait(1000))
-            results[result.mTag] = result;
+            results[static_cast<std::size_t>(result.mTag)] = result;
     }
     return results;
 }
