@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstddef>
 #include <iterator>
@@ -128,6 +129,19 @@ bool WriteInPlace(const std::string& path, std::string_view text)
     return close(file) == 0 && written;
 }
 
+/// Whether an open file holds just this text. It is compared piece by piece: pages can be large.
+bool Holds(int file, std::string_view text)
+{
+    std::array<char, 1 << 16> piece;
+    while (!text.empty()) {
+        const ssize_t count = read(file, piece.data(), piece.size());
+        if (count <= 0 || !text.starts_with({piece.data(), static_cast<std::size_t>(count)}))
+            return false;
+        text.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
 /// Whether a regular file holds just this text. Nothing else is opened.
 bool HasContents(const std::string& path, const std::string& text)
 {
@@ -138,10 +152,9 @@ bool HasContents(const std::string& path, const std::string& text)
     const int file = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     if (file < 0)
         return false;
-    std::string found(text.size(), '\0');
-    const ssize_t count = read(file, found.data(), found.size());
+    const bool same = Holds(file, text);
     close(file);
-    return count == static_cast<ssize_t>(text.size()) && found == text;
+    return same;
 }
 
 EReplaced WriteDraft(const CDraftFolder& folder, const std::string& path, std::string_view text)

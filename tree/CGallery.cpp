@@ -22,6 +22,8 @@
 
 namespace {
 
+constexpr std::size_t kMarkupBytes = 96;  // about what surrounds the three names in a cell
+
 /// From a gallery to the page of all galleries, which stands in the folder that was named.
 std::string BackLink(const std::string& relative)
 {
@@ -122,6 +124,7 @@ std::optional<SGalleryTask> CGallery::NextPicture()
                           (mOptions.mRepair && record->mTime != state.mTime);
         if (must || mOptions.mRepair) {
             mUnderWay[picture] = state;
+            mIsMaking = true;
             return SGalleryTask{picture, ThumbRequest(path, !must)};
         }
     }
@@ -253,7 +256,8 @@ void CGallery::Close()
     if (mOptions.mPrune)
         Prune();
     Save();
-    RemoveDrafts();
+    if (mIsMaking)
+        RemoveDrafts();
     WritePage();
     if (mOptions.mPage)
         WriteAlbum();
@@ -296,6 +300,11 @@ void CGallery::WritePage()
 {
     CIndexPage page;
     std::string text = page.Head(mPaths.Heading());
+    // Growing by itself, the text of a large page would take twice its memory.
+    std::size_t size = text.size();
+    for (const std::string& name : mNames)
+        size += kMarkupBytes + 3 * name.size();
+    text.reserve(size);
     for (const std::string& name : mNames)
         text += page.Cell(name);
     text += page.Tail();

@@ -110,7 +110,8 @@ private:
     std::vector<bool> mReported;       // which pictures the report has
     std::size_t mNext = 0;             // the picture that NextPicture looks at next
     std::map<std::size_t, SPictureState> mUnderWay;
-    long mUnwritten = 0;  // thumbnails that could not be written
+    bool mIsMaking = false;  // a picture was given away
+    long mUnwritten = 0;     // thumbnails that could not be written
     std::string mWhyUnwritten;
     SGalleryEntry mEntry;
 };
