@@ -50,9 +50,7 @@ def whole_run(bench):
     ours, theirs = runs["tessel"], runs["decoding"]
     bench.row("whole run", ours["cpu"], "decoding alone", theirs["cpu"], 1.04)
     limit = "the largest picture, decoded, and 8 MiB"
-    bench.row(
-        "whole run, memory", ours["peak"], limit, largest + 8 * 1024, 1, mebibytes
-    )
+    bench.row("whole run, memory", ours["peak"], limit, largest + 8 * 1024, 1, mebibytes)
 
 
 def growth(bench):
