@@ -3,7 +3,6 @@
 
 #include <cstdio>
 #include <string>
-#include <string_view>
 
 /// How an attempt to replace a file ended.
 enum class EReplaced {
@@ -70,22 +69,5 @@ private:
     std::string mName;  // in the folder; empty while there is no draft
     std::FILE* mStream = nullptr;
 };
-
-/// Puts a file with the contents `text` in the place of `path`, where MayReplace allows it. False
-/// where that can't be; the old file is then what it was.
-///
-/// Where a file stands, the new one is written as a draft in DraftFolderOf(path), and the drafts of
-/// killed runs are removed there. Where a draft is forbidden, such as in a folder that can't be
-/// changed, the file is overwritten in place, once there is room for all of it.
-bool ReplaceFile(const std::string& path, std::string_view text);
-
-/// The folder in which ReplaceFile writes drafts of the file at `path`.
-std::string DraftFolderOf(const std::string& path);
-
-/// Removes a folder of drafts, where killed runs have left one.
-void RemoveLeftDrafts(const std::string& folder);
-
-/// The same, but a regular file that already has these contents stays, with its time.
-bool UpdateFile(const std::string& path, const std::string& text);
 
 #endif

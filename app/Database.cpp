@@ -12,8 +12,8 @@
 #include <new>
 #include <string_view>
 
-#include "app/CDraft.h"
 #include "app/OutputFile.h"
+#include "app/ReplaceFile.h"
 #include "util/CStringTool.h"
 
 namespace {

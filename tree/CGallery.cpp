@@ -10,9 +10,9 @@
 #include <iterator>
 #include <new>
 
-#include "app/CDraft.h"
 #include "app/CIndexPage.h"
 #include "app/OutputFile.h"
+#include "app/ReplaceFile.h"
 #include "tree/AlbumPage.h"
 #include "tree/CReport.h"
 #include "tree/CWorkerPool.h"

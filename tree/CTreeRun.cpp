@@ -7,7 +7,7 @@
 #include <system_error>
 #include <utility>
 
-#include "app/CDraft.h"
+#include "app/ReplaceFile.h"
 #include "tree/GalleriesPage.h"
 #include "tree/Interruption.h"
 
