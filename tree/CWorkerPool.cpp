@@ -9,23 +9,17 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
-#include <exception>
 #include <initializer_list>
 #include <iostream>
-#include <string_view>
 #include <utility>
-#ifdef __linux__
-#include <sys/prctl.h>
-#endif
+
+#include "tree/WorkerProcess.h"
 
 namespace {
 
 /// Tasks that a worker has in hand: the one that it does, and those it goes on with while this
 /// process is busy.
 constexpr std::size_t kTasksInHand = 4;
-/// No process of this program opens more descriptors.
-constexpr int kMostDescriptors = 4096;
 constexpr std::size_t kPieceBytes = 1 << 16;
 
 void CloseFile(int& file)
@@ -33,31 +27,6 @@ void CloseFile(int& file)
     if (file >= 0)
         close(file);
     file = -1;
-}
-
-bool WriteWhole(int file, std::string_view text)
-{
-    while (!text.empty()) {
-        const ssize_t count = write(file, text.data(), text.size());
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            return false;
-        text.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return true;
-}
-
-/// Lets this process end at once when its parent does, whatever it does: a picture that it finished
-/// later could take the place of what the next run has made. Linux alone has this; elsewhere a
-/// worker ends with the picture that it is at.
-void EndWithParent(pid_t parent)
-{
-#ifdef __linux__
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-#endif
-    if (getppid() != parent)
-        std::_Exit(EXIT_FAILURE);
 }
 
 /// Waits for the end of a process, and says how it came.
@@ -71,37 +40,6 @@ void TakeEnd(pid_t pid, STaskResult& result)
     result.mIsKilled = WIFSIGNALED(status);
     result.mEnd = result.mIsKilled ? "ended by signal " + std::to_string(WTERMSIG(status))
                                    : "ended with status " + std::to_string(WEXITSTATUS(status));
-}
-
-/// Takes the part in front of the next zero byte out of a text; false where there is none.
-bool TakePart(std::string& text, std::string& part)
-{
-    const auto end = text.find('\0');
-    if (end == std::string::npos)
-        return false;
-    part = text.substr(0, end);
-    text.erase(0, end + 1);
-    return true;
-}
-
-/// Does what is requested until nobody can request any more.
-void Serve(int requests, const CWorkerPool::Work& work)
-{
-    std::string received;
-    std::string request;
-    std::array<char, kPieceBytes> piece;
-    for (;;) {
-        while (TakePart(received, request)) {
-            const std::string reply = work(request);
-            std::cout.flush();
-            if (!WriteWhole(STDOUT_FILENO, std::string(1, '\0') + reply + '\0'))
-                return;
-        }
-        const ssize_t count = read(requests, piece.data(), piece.size());
-        if (count == 0 || (count < 0 && errno != EINTR))
-            return;
-        received.append(piece.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-    }
 }
 
 }  // namespace
@@ -146,10 +84,8 @@ bool CWorkerPool::Start(SWorker& worker)
     std::cout.flush();  // or the copy would write it again
     const pid_t parent = getpid();
     const pid_t pid = piped ? fork() : -1;
-    if (pid == 0) {
-        EndWithParent(parent);
-        RunWorker(down[0], up[1]);
-    }
+    if (pid == 0)
+        RunWorker(parent, down[0], up[1], mWork);
     CloseFile(down[0]);
     CloseFile(up[1]);
     if (pid < 0) {
@@ -165,30 +101,6 @@ bool CWorkerPool::Start(SWorker& worker)
     worker.mRequests = down[1];
     worker.mResults = up[0];
     return true;
-}
-
-/// The life of a worker, in its own process. Whatever else this process has open is the others'.
-void CWorkerPool::RunWorker(int requests, int results) const
-{
-    // A key press on the terminal reaches all processes; the first one decides what it means.
-    std::signal(SIGINT, SIG_IGN);
-    std::signal(SIGTERM, SIG_DFL);
-    std::signal(SIGHUP, SIG_DFL);
-    dup2(results, STDOUT_FILENO);
-    dup2(results, STDERR_FILENO);
-    for (int file = STDERR_FILENO + 1; file < kMostDescriptors; ++file) {
-        if (file != requests)
-            close(file);
-    }
-    try {
-        Serve(requests, mWork);
-    } catch (const std::exception& error) {
-        // Further up stand the objects of the process that this one is a copy of: they would save,
-        // and kill, a second time.
-        std::cerr << error.what() << std::endl;
-        std::_Exit(EXIT_FAILURE);
-    }
-    std::_Exit(EXIT_SUCCESS);
 }
 
 /// The worker with the least in hand; null when all have enough.

@@ -76,7 +76,6 @@ private:
 
     bool HasWorkers() const;
     bool Start(SWorker& worker);
-    [[noreturn]] void RunWorker(int requests, int results) const;
     SWorker* FreeWorker();
     void Distribute();
     void Send(SWorker& worker) const;
