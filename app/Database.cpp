@@ -37,21 +37,24 @@ int OpenForReading(const char* path)
     return file;
 }
 
-/// Reads an open file to its end.
-bool ReadText(int file, std::string* text)
+/// Reads an open file of `expected` bytes to its end, wherever that is by now.
+bool ReadText(int file, std::size_t expected, std::string* text)
 {
+    constexpr std::size_t kMost = kMostDatabaseBytes;
     constexpr std::size_t kPiece = 1 << 16;
+    std::size_t piece = std::min(expected, kMost) + 1;  // what is asked for in vain shows the end
     for (;;) {
         const std::size_t size = text->size();
-        if (size > static_cast<std::size_t>(kMostDatabaseBytes))
+        if (size > kMost)
             return false;
-        text->resize(size + kPiece);
-        const ssize_t count = read(file, text->data() + size, kPiece);
+        text->resize(size + piece);
+        const ssize_t count = read(file, text->data() + size, piece);
         text->resize(size + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-        if (count == 0)
+        if (count == 0 || (size == 0 && count == static_cast<ssize_t>(expected)))
             return true;
         if (count < 0 && errno != EINTR)
             return false;
+        piece = kPiece;
     }
 }
 
@@ -65,7 +68,7 @@ bool ReadWhole(const char* path, std::string* text)
     struct stat status = {};
     bool read = fstat(file, &status) == 0;
     if (read && S_ISREG(status.st_mode))
-        read = ReadText(file, text);
+        read = ReadText(file, static_cast<std::size_t>(status.st_size), text);
     close(file);
     return read;
 }

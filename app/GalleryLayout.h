@@ -2,6 +2,7 @@
 #define TESSEL_APP_GALLERYLAYOUT_H
 
 #include <string>
+#include <string_view>
 
 #include "util/CFileIO.h"
 
@@ -16,11 +17,11 @@ constexpr int kDefaultThumbSize = 192;                ///< pixels, the longer si
 constexpr int kCellsPerRow = 5;
 
 /// True for a file name that the pattern takes, in any letter case.
-inline bool IsPictureName(const std::string& name)
+inline bool IsPictureName(std::string_view name)
 {
-    const std::string suffix = kPicturePattern + 1;
+    const std::string_view suffix = kPicturePattern + 1;
     return name.size() >= suffix.size() &&
-           CFileIO::Strcmpx(name.c_str() + name.size() - suffix.size(), suffix.c_str());
+           CFileIO::Strcmpx(name.data() + name.size() - suffix.size(), suffix.data());
 }
 
 /// The paths of one gallery, made of the folder as the user wrote it.

@@ -142,7 +142,7 @@ bool ReplaceFile(const std::string& path, std::string_view text)
 
 std::string DraftFolderOf(const std::string& path)
 {
-    return path + ".new";
+    return path + kDraftSuffix;
 }
 
 void RemoveLeftDrafts(const std::string& folder)
@@ -158,8 +158,5 @@ void RemoveLeftDrafts(const std::string& folder)
 
 bool UpdateFile(const std::string& path, const std::string& text)
 {
-    if (!HasContents(path, text))
-        return ReplaceFile(path, text);
-    RemoveLeftDrafts(DraftFolderOf(path));
-    return true;
+    return HasContents(path, text) || ReplaceFile(path, text);
 }

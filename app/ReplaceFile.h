@@ -16,13 +16,17 @@
 /// changed, the file is overwritten in place, once there is room for all of it.
 bool ReplaceFile(const std::string& path, std::string_view text);
 
+/// The same, but a regular file that already has these contents stays, with its time, and what
+/// killed runs have left beside it.
+bool UpdateFile(const std::string& path, const std::string& text);
+
+/// Ends the name of a folder of drafts.
+constexpr const char* kDraftSuffix = ".new";
+
 /// The folder in which ReplaceFile writes drafts of the file at `path`.
 std::string DraftFolderOf(const std::string& path);
 
 /// Removes a folder of drafts, where killed runs have left one.
 void RemoveLeftDrafts(const std::string& folder);
-
-/// The same, but a regular file that already has these contents stays, with its time.
-bool UpdateFile(const std::string& path, const std::string& text);
 
 #endif

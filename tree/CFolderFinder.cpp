@@ -7,10 +7,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <memory>
-#include <system_error>
+#include <string_view>
 
 #include "app/GalleryLayout.h"
+#include "app/ReplaceFile.h"
 #include "tree/CReport.h"
 #include "tree/Interruption.h"
 #include "tree/NaturalOrder.h"
@@ -22,25 +22,30 @@ constexpr const char* kPassedOverSuffix = ".jpeg";
 /// Folders that network storage keeps for itself, with pictures of its own in them.
 constexpr const char* kSystemFolder = "@eaDir";
 
-struct SFolderCloser
-{
-    void operator()(DIR* folder) const { closedir(folder); }
-};
-
-bool IsPassedOver(const std::string& name)
+bool IsPassedOver(std::string_view name)
 {
     const std::size_t length = std::strlen(kPassedOverSuffix);
     return name.size() >= length &&
-           CFileIO::Strcmpx(name.c_str() + name.size() - length, kPassedOverSuffix);
+           CFileIO::Strcmpx(name.data() + name.size() - length, kPassedOverSuffix);
 }
 
 /// Whether an entry is a real folder, and no link to one.
-bool IsFolder(int parent, const char* name, int type)
+bool IsFolder(DIR* parent, const dirent& entry)
 {
-    if (type != DT_UNKNOWN)
-        return type == DT_DIR;
+    if (entry.d_type != DT_UNKNOWN)
+        return entry.d_type == DT_DIR;
     struct stat status = {};
-    return fstatat(parent, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
+    return fstatat(dirfd(parent), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+           S_ISDIR(status.st_mode);
+}
+
+/// Whether an open folder has a gallery.
+bool HasGallery(const SFoundFolder& found)
+{
+    struct stat status = {};
+    return !found.mPictures.empty() ||
+           (stat(SGalleryPaths(found.mPath).mDbase.c_str(), &status) == 0 &&
+            S_ISREG(status.st_mode));
 }
 
 }  // namespace
@@ -71,64 +76,90 @@ bool CFolderFinder::BeginNextRoot()
 {
     if (mRoot == mOptions.mFolders.size())
         return false;
-    mToDo.push_back({mOptions.mFolders[mRoot], ""});
+    mToDo.push_back({mRoot, mOptions.mFolders[mRoot], ""});
     ++mRoot;
     return true;
 }
 
-bool CFolderFinder::IsEntered(const std::string& name) const
+std::optional<SFoundFolder> CFolderFinder::Again(const SFolder& folder)
 {
-    const std::vector<std::string>& excluded = mOptions.mExcluded;
-    return name[0] != '.' && name != kThumbFolder && name != kSystemFolder &&
-           std::find(excluded.begin(), excluded.end(), name) == excluded.end();
-}
-
-/// True for a folder that is found in another turn: that of the root that it is itself.
-bool CFolderFinder::IsOthersTurn(const struct stat& status, bool isRoot)
-{
-    const Identity identity(status.st_dev, status.st_ino);
-    return isRoot ? !mBegun.insert(identity).second : mRoots.count(identity) != 0;
+    SFoundFolder found(folder);
+    std::vector<std::string> unused;
+    if (!Open(found) || !List(found, unused) || !HasGallery(found))
+        return std::nullopt;
+    return found;
 }
 
 /// Lists a folder: what is in it decides whether it has a gallery, and which folders follow.
 std::optional<SFoundFolder> CFolderFinder::Visit(const SFolder& folder)
 {
-    const std::unique_ptr<DIR, SFolderCloser> handle(opendir(folder.mPath.c_str()));
-    struct stat status = {};
-    if (!handle || fstat(dirfd(handle.get()), &status) != 0) {
-        mReport.AddUnfinished(folder.mPath, std::strerror(errno));
+    SFoundFolder found(folder);
+    if (!Open(found) || IsOthersTurn(found))
         return std::nullopt;
-    }
-    if (IsOthersTurn(status, folder.mRelative.empty()))
-        return std::nullopt;
-    SFoundFolder found{mRoot - 1, folder.mPath, folder.mRelative};
     std::vector<std::string> folders;
-    if (!List(handle.get(), found, folders))
-        mReport.AddUnfinished(folder.mPath, std::strerror(errno));
+    const bool isListed = List(found, folders);
     // The last one is visited first.
     std::sort(folders.rbegin(), folders.rend(), IsBefore);
     const std::string prefix = folder.mRelative.empty() ? "" : folder.mRelative + "/";
     for (const std::string& name : folders)
-        mToDo.push_back({folder.mPath + "/" + name, prefix + name});
-    const std::string dbase = SGalleryPaths(folder.mPath).mDbase;
-    if (found.mPictures == 0 && (stat(dbase.c_str(), &status) != 0 || !S_ISREG(status.st_mode)))
+        mToDo.push_back({folder.mRoot, folder.mPath + "/" + name, prefix + name});
+    if (!isListed || !HasGallery(found))
         return std::nullopt;
     return found;
 }
 
-/// Counts the pictures of an open folder, and adds the names of the folders to enter. False with
-/// the system's errno where it can't be listed to its end.
-bool CFolderFinder::List(DIR* folder, SFoundFolder& found, std::vector<std::string>& folders) const
+bool CFolderFinder::Open(SFoundFolder& found) const
+{
+    found.mHandle.reset(opendir(found.mPath.c_str()));
+    if (!found.mHandle)
+        mReport.AddUnfinished(found.mPath, std::strerror(errno));
+    return found.mHandle != nullptr;
+}
+
+/// True for a folder that is found in another turn: that of the root that it is itself.
+bool CFolderFinder::IsOthersTurn(const SFoundFolder& found)
+{
+    struct stat status = {};
+    if (fstat(dirfd(found.mHandle.get()), &status) != 0)
+        return false;
+    const Identity identity(status.st_dev, status.st_ino);
+    const bool isRoot = found.mRelative.empty();
+    return isRoot ? !mBegun.insert(identity).second : mRoots.count(identity) != 0;
+}
+
+/// Takes down what is in an open folder, and adds the names of the folders to enter. False where it
+/// can't be listed to its end.
+bool CFolderFinder::List(SFoundFolder& found, std::vector<std::string>& folders) const
 {
     errno = 0;
-    while (const dirent* entry = readdir(folder)) {
-        const std::string name = entry->d_name;
-        found.mPictures += IsPictureName(name) ? 1 : 0;
-        found.mPassedOver += IsPassedOver(name) ? 1 : 0;
-        if (!mOptions.mOnly && IsEntered(name) &&
-            IsFolder(dirfd(folder), entry->d_name, entry->d_type))
-            folders.push_back(name);
+    while (const dirent* entry = readdir(found.mHandle.get())) {
+        Add(*entry, found, folders);
         errno = 0;
     }
+    if (errno != 0)
+        mReport.AddUnfinished(found.mPath, std::strerror(errno));
     return errno == 0;
+}
+
+void CFolderFinder::Add(const dirent& entry, SFoundFolder& found,
+                        std::vector<std::string>& folders) const
+{
+    const std::string_view name = entry.d_name;
+    if (IsPictureName(name))
+        found.mPictures.emplace_back(name);
+    if (IsPassedOver(name))
+        ++found.mPassedOver;
+    if (name.ends_with(kDraftSuffix))
+        found.mHasDrafts = true;
+    if (name == kThumbFolder)
+        found.mHasThumbFolder = IsFolder(found.mHandle.get(), entry);
+    else if (!mOptions.mOnly && IsEntered(name) && IsFolder(found.mHandle.get(), entry))
+        folders.emplace_back(name);
+}
+
+bool CFolderFinder::IsEntered(std::string_view name) const
+{
+    const std::vector<std::string>& excluded = mOptions.mExcluded;
+    return name[0] != '.' && name != kSystemFolder &&
+           std::find(excluded.begin(), excluded.end(), name) == excluded.end();
 }

@@ -6,9 +6,11 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -16,14 +18,29 @@
 
 class CReport;
 
-/// A folder with a gallery.
-struct SFoundFolder
+/// Where a folder lies.
+struct SFolder
 {
     std::size_t mRoot = 0;  ///< the named folder at or below which it lies, by its number
     std::string mPath;      ///< begins as the named folder was written
     std::string mRelative;  ///< from the named folder on, which is itself ""
-    long mPictures = 0;     ///< named *.jpg
-    long mPassedOver = 0;   ///< named *.jpeg
+};
+
+/// A folder with a gallery, open and listed.
+struct SFoundFolder : SFolder
+{
+    struct SCloser
+    {
+        void operator()(DIR* folder) const { closedir(folder); }
+    };
+
+    explicit SFoundFolder(SFolder folder) : SFolder(std::move(folder)) {}
+
+    std::unique_ptr<DIR, SCloser> mHandle;
+    std::vector<std::string> mPictures;  ///< names *.jpg, as the folder gives them
+    long mPassedOver = 0;                ///< how many are named *.jpeg
+    bool mHasThumbFolder = false;        ///< a real folder, no link
+    bool mHasDrafts = false;             ///< perhaps: of pages, left by a killed run
 };
 
 /// Finds the galleries at and below the named folders, one after the other: folders that hold a
@@ -42,20 +59,19 @@ public:
 
     /// The next gallery; nothing behind the last, and once the run is interrupted.
     std::optional<SFoundFolder> Next();
+    /// The gallery of a folder that was found before, listed again; nothing where it has none now.
+    std::optional<SFoundFolder> Again(const SFolder& folder);
 
 private:
     using Identity = std::pair<dev_t, ino_t>;
-    struct SFolder
-    {
-        std::string mPath;
-        std::string mRelative;
-    };
 
     bool BeginNextRoot();
     std::optional<SFoundFolder> Visit(const SFolder& folder);
-    bool IsEntered(const std::string& name) const;
-    bool IsOthersTurn(const struct stat& status, bool isRoot);
-    bool List(DIR* folder, SFoundFolder& found, std::vector<std::string>& folders) const;
+    bool Open(SFoundFolder& found) const;
+    bool List(SFoundFolder& found, std::vector<std::string>& folders) const;
+    void Add(const dirent& entry, SFoundFolder& found, std::vector<std::string>& folders) const;
+    bool IsEntered(std::string_view name) const;
+    bool IsOthersTurn(const SFoundFolder& found);
 
     const STreeOptions& mOptions;
     CReport& mReport;

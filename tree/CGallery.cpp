@@ -1,6 +1,5 @@
 #include "tree/CGallery.h"
 
-#include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -8,49 +7,42 @@
 #include <algorithm>
 #include <cerrno>
 #include <new>
+#include <utility>
 
+#include "app/GalleryLayout.h"
 #include "app/OutputFile.h"
 #include "app/ReplaceFile.h"
+#include "tree/AlbumPage.h"
 #include "tree/CReport.h"
 #include "tree/CWorkerPool.h"
 #include "tree/PageFrame.h"
 #include "tree/ThumbWork.h"
 #include "util/CFileIO.h"
 
-CGallery::CGallery(const SFoundFolder& folder, const STreeOptions& options, CReport& report)
-    : mFolder(folder),
+CGallery::CGallery(SFoundFolder folder, const STreeOptions& options, CReport& report)
+    : mFolder(std::move(folder)),
       mOptions(options),
       mReport(report),
-      mPaths(folder.mPath),
-      mEntry{folder.mRelative, folder.mPictures, ""}
+      mPaths(mFolder.mPath),
+      mNames(mFolder.mPictures),
+      mMade(mNames.size()),
+      mReported(mNames.size()),
+      mEntry{mFolder.mRelative, static_cast<long>(mNames.size()), ""}
 {
-}
-
-CGallery::~CGallery()
-{
-    if (mLock >= 0)
-        close(mLock);
 }
 
 /// False when another process holds the lock. A file system without locks lets the run go on.
 bool CGallery::Lock()
 {
-    mLock = open(mFolder.mPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    mIsLocked = mLock >= 0 && flock(mLock, LOCK_EX | LOCK_NB) == 0;
-    return mIsLocked || mLock < 0 || errno != EWOULDBLOCK;
+    mIsLocked = flock(dirfd(mFolder.mHandle.get()), LOCK_EX | LOCK_NB) == 0;
+    return mIsLocked || errno != EWOULDBLOCK;
 }
 
-EOpened CGallery::Open()
+bool CGallery::Open()
 {
     if (!Lock())
-        return EOpened::kLocked;
-    if (!CFileIO::ResolveWildCard(mFolder.mPath.c_str(), kPicturePattern, &mNames)) {
-        Fail("the folder can't be listed");
-        return EOpened::kFailed;
-    }
-    mMade.resize(mNames.size());
-    mReported.resize(mNames.size());
-    mHasThumbs = MakeThumbFolder(mPaths.mThumbFolder, mPaths.mDbase);
+        return false;
+    mHasThumbs = mFolder.mHasThumbFolder || MakeThumbFolder(mPaths.mThumbFolder, mPaths.mDbase);
     if (!mHasThumbs)
         Fail("tessel is a link that is not followed");
     mHasDatabase = mHasThumbs && ReadDatabase(mPaths.mDbase.c_str(), &mRecords, &mSaved);
@@ -58,24 +50,36 @@ EOpened CGallery::Open()
         Fail("the database can't be read");
     if (!mHasDatabase)
         mNext = mNames.size();  // without it, every picture would be made again in every run
-    RemoveDrafts();
     ReadThumbs();
-    return EOpened::kOpened;
+    if (HasDrafts())
+        RemoveDrafts();
+    return true;
+}
+
+/// Whether a killed run has left drafts.
+bool CGallery::HasDrafts() const
+{
+    return mFolder.mHasDrafts || HasInThumbs(kThumbDrafts) ||
+           HasInThumbs(DraftFolderOf(kDbaseFile));
 }
 
 /// Removes what a killed run has left. Without a lock it could be somebody's work.
 void CGallery::RemoveDrafts() const
 {
-    if (!mHasThumbs || !mIsLocked)
+    if (!mIsLocked)
         return;
-    RemoveLeftDrafts(mPaths.mThumbFolder + "/" + kThumbDrafts);
+    RemoveLeftDrafts(DraftFolderOf(mPaths.mPage));
+    RemoveLeftDrafts(DraftFolderOf(mPaths.Picture(kAlbumFile)));
+    if (!mHasThumbs)
+        return;
     RemoveLeftDrafts(DraftFolderOf(mPaths.mDbase));
+    RemoveLeftDrafts(mPaths.mThumbFolder + "/" + kThumbDrafts);
 }
 
 void CGallery::ReadThumbs()
 {
-    mKnowsThumbs = mHasThumbs &&
-                   CFileIO::ResolveWildCard(mPaths.mThumbFolder.c_str(), kPicturePattern, &mThumbs);
+    mKnowsThumbs =
+        mHasThumbs && CFileIO::ResolveWildCard(mPaths.mThumbFolder.c_str(), "*", &mThumbs);
     if (mHasThumbs && !mKnowsThumbs)
         Fail("tessel can't be listed");
     std::sort(mThumbs.begin(), mThumbs.end());
@@ -83,7 +87,12 @@ void CGallery::ReadThumbs()
 
 bool CGallery::HasThumb(std::size_t picture) const
 {
-    return mMade[picture] || std::binary_search(mThumbs.begin(), mThumbs.end(), mNames[picture]);
+    return mMade[picture] || HasInThumbs(mNames[picture]);
+}
+
+bool CGallery::HasInThumbs(const std::string& name) const
+{
+    return std::binary_search(mThumbs.begin(), mThumbs.end(), name);
 }
 
 const SFileInfo* CGallery::RecordOf(const std::string& name) const

@@ -18,13 +18,6 @@ class CReport;
 struct STaskResult;
 struct SThumbResult;
 
-/// How opening a gallery ended.
-enum class EOpened {
-    kOpened,
-    kLocked,  ///< another process holds a lock on the folder
-    kFailed   ///< the folder can't be listed; the report has it
-};
-
 /// A picture that needs a thumbnail.
 struct SGalleryTask
 {
@@ -38,22 +31,19 @@ struct SGalleryTask
 ///
 /// Open it, make what NextPicture gives, hand each result to Finish, and close it when IsFinished
 /// says so. What goes wrong is said in the report, which outlives the gallery. The folder stays
-/// locked until the object goes away. Used by one thread.
+/// locked until the object goes away. Neither copied nor moved; used by one thread.
 class CGallery
 {
 public:
-    CGallery(const SFoundFolder& folder, const STreeOptions& options, CReport& report);
-    CGallery(const CGallery&) = delete;
-    CGallery& operator=(const CGallery&) = delete;
-    ~CGallery();
+    CGallery(SFoundFolder folder, const STreeOptions& options, CReport& report);
 
-    const SFoundFolder& Folder() const { return mFolder; }
+    const SFolder& Folder() const { return mFolder; }
     std::size_t PictureCount() const { return mNames.size(); }
     /// The pictures that need nothing more.
     std::size_t DoneCount() const { return mNext - mUnderWay.size(); }
 
-    /// Locks and lists the folder, and reads the database.
-    EOpened Open();
+    /// Locks the folder, and reads the database. False when another process holds a lock on it.
+    bool Open();
     /// The next picture that needs a thumbnail; nothing when there is none left.
     std::optional<SGalleryTask> NextPicture();
     /// Takes in what became of a picture that NextPicture gave.
@@ -78,6 +68,8 @@ private:
     std::string Picture(std::size_t picture) const { return mPaths.Picture(mNames[picture]); }
     const SFileInfo* RecordOf(const std::string& name) const;
     bool HasThumb(std::size_t picture) const;
+    bool HasInThumbs(const std::string& name) const;
+    bool HasDrafts() const;
     void Record(std::size_t picture, const SPictureState& state);
     void Forget(std::size_t picture);
     void RemoveHalf(std::size_t picture) const;
@@ -97,15 +89,14 @@ private:
     const STreeOptions& mOptions;
     CReport& mReport;
     SGalleryPaths mPaths;
-    int mLock = -1;
+    const std::vector<std::string>& mNames;  // of the pictures
     bool mIsLocked = false;
-    bool mHasThumbs = false;          // the thumbnail folder may be written to
-    bool mHasDatabase = false;        // it was read, and may be written
-    std::vector<std::string> mNames;  // of the pictures, as the folder gives them
+    bool mHasThumbs = false;    // the thumbnail folder may be written to
+    bool mHasDatabase = false;  // it was read, and may be written
     std::set<SFileInfo> mRecords;
     std::string mSaved;                // what the database file holds
-    std::vector<std::string> mThumbs;  // names of thumbnails that stood there, in order
-    bool mKnowsThumbs = false;         // these are all
+    std::vector<std::string> mThumbs;  // what stood in the thumbnail folder, in order
+    bool mKnowsThumbs = false;         // that is all
     std::vector<bool> mMade;           // which pictures have a new thumbnail
     std::vector<bool> mReported;       // which pictures the report has
     std::size_t mNext = 0;             // the picture that NextPicture looks at next

@@ -101,7 +101,6 @@ void CGallery::WriteAlbum()
     SortPictures(pictures, mOptions.mByTime);
     const auto first = std::find_if(pictures.begin(), pictures.end(),
                                     [](const SAlbumPicture& picture) { return picture.mHasThumb; });
-    mEntry.mPictures = static_cast<long>(mNames.size());
     mEntry.mFirstThumb = first == pictures.end() ? "" : first->mName;
     if (!UpdateFile(mFolder.mPath + "/" + kAlbumFile,
                     MakeAlbumPage(mPaths.Heading(), pictures, BackLink(mFolder.mRelative),

@@ -77,7 +77,7 @@ void CTreeRun::CountPictures()
     while (const std::optional<SFoundFolder> folder = finder.Next()) {
         if (Interruption() != 0)
             return;
-        total += folder->mPictures;
+        total += static_cast<long>(folder->mPictures.size());
     }
     mProgress.SetTotal(total);
 }
@@ -107,31 +107,31 @@ bool CTreeRun::GivePicture()
 /// Opens another gallery; false when there is none.
 bool CTreeRun::OpenNext()
 {
-    const std::optional<SFoundFolder> folder = NextFolder();
-    if (folder)
-        OpenGallery(*folder);
-    return folder.has_value();
+    std::optional<SFoundFolder> folder = NextFolder();
+    const bool isFound = folder.has_value();
+    if (isFound)
+        OpenGallery(*std::move(folder));
+    return isFound;
 }
 
 std::optional<SFoundFolder> CTreeRun::NextFolder()
 {
-    if (mAgain.empty())
-        return mFinder.Next();
-    SFoundFolder folder = std::move(mAgain.back());
-    mAgain.pop_back();
-    return folder;
+    while (!mAgain.empty()) {
+        std::optional<SFoundFolder> folder = mFinder.Again(mAgain.back());
+        mAgain.pop_back();
+        if (folder)
+            return folder;
+    }
+    return mFinder.Next();
 }
 
-void CTreeRun::OpenGallery(const SFoundFolder& folder)
+/// Opens a gallery, or puts it off while its folder is locked.
+void CTreeRun::OpenGallery(SFoundFolder folder)
 {
-    CGallery& gallery = mOpen.emplace_back(folder, mOptions, mReport);
-    const EOpened opened = gallery.Open();
-    if (opened == EOpened::kOpened)
+    CGallery& gallery = mOpen.emplace_back(std::move(folder), mOptions, mReport);
+    if (gallery.Open())
         return;
-    if (opened == EOpened::kLocked)
-        mLocked.push_back(folder);
-    else
-        AddEntry(gallery.Entry(), folder.mRoot);
+    mLocked.push_back(gallery.Folder());
     mOpen.pop_back();
 }
 
@@ -209,9 +209,11 @@ void CTreeRun::MakeLocked()
         isSaid = true;
         mPool.Wait(kPollMilliseconds);
     }
-    for (const SFoundFolder& folder : mLocked) {
+    for (const SFolder& folder : mLocked) {
         mReport.AddUnfinished(folder.mPath, "locked by another program");
-        AddEntry({folder.mRelative, folder.mPictures, ""}, folder.mRoot);
+        if (const std::optional<SFoundFolder> found = mFinder.Again(folder))
+            AddEntry({folder.mRelative, static_cast<long>(found->mPictures.size()), ""},
+                     folder.mRoot);
     }
 }
 
@@ -220,6 +222,7 @@ void CTreeRun::WritePages()
     for (std::size_t i = 0; i < mOptions.mFolders.size(); ++i) {
         const std::string& root = mOptions.mFolders[i];
         const std::string path = root + "/" + kGalleriesFile;
+        RemoveLeftDrafts(DraftFolderOf(path));
         std::error_code error;
         if (std::filesystem::is_directory(root, error) &&
             !UpdateFile(path, MakeGalleriesPage(NameOf(root), mEntries[i], mOptions.mThumbSize)))

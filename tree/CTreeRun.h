@@ -47,7 +47,7 @@ private:
     bool GivePicture();
     bool OpenNext();
     std::optional<SFoundFolder> NextFolder();
-    void OpenGallery(const SFoundFolder& folder);
+    void OpenGallery(SFoundFolder folder);
     bool TakeResults();
     void CloseIfFinished(Galleries::iterator gallery);
     void AddEntry(const SGalleryEntry& entry, std::size_t root);
@@ -63,8 +63,8 @@ private:
     CFolderFinder mFinder;
     CProgress mProgress;
     Galleries mOpen;                         // the galleries in work, in the order of opening
-    std::vector<SFoundFolder> mLocked;       // put off
-    std::vector<SFoundFolder> mAgain;        // were put off, and are to be opened next
+    std::vector<SFolder> mLocked;            // put off
+    std::vector<SFolder> mAgain;             // were put off, and are to be opened next
     std::map<std::uint64_t, STaken> mTaken;  // pictures that are with the workers
     std::uint64_t mNextTag = 0;
     long mDone = 0;  // pictures
