@@ -29,11 +29,11 @@ long RecordTime(std::int64_t time)
 
 /// Opens a file without waiting for a writer, should it be a FIFO. A file that a server holds a
 /// lease on can't be opened so: the server is asked to give it up.
-int OpenForReading(const char* path)
+int OpenForReading(const char* path, int folder = AT_FDCWD)
 {
-    const int file = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (file < 0 && errno == EWOULDBLOCK && IsFileOrFolder(path))
-        return open(path, O_RDONLY | O_CLOEXEC);
+    const int file = openat(folder, path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0 && errno == EWOULDBLOCK && IsFileOrFolder(path, folder))
+        return openat(folder, path, O_RDONLY | O_CLOEXEC);
     return file;
 }
 
@@ -131,9 +131,9 @@ bool WriteDatabase(const char* path, const std::set<SFileInfo>& records)
     return ReplaceFile(path, DatabaseText(records));
 }
 
-bool GetFileTime(const char* path, long* time)
+bool GetFileTime(const char* path, long* time, int folder)
 {
-    const int file = OpenForReading(path);
+    const int file = OpenForReading(path, folder);
     if (file < 0)
         return false;
     struct stat status = {};
@@ -144,10 +144,10 @@ bool GetFileTime(const char* path, long* time)
     return known;
 }
 
-SPictureState TestPicture(const char* path, const SFileInfo* record)
+SPictureState TestPicture(const char* path, const SFileInfo* record, int folder)
 {
     SPictureState state;
-    state.mHasTime = GetFileTime(path, &state.mTime);
+    state.mHasTime = GetFileTime(path, &state.mTime, folder);
     state.mMustMake = !state.mHasTime || !record || record->mTime < state.mTime;
     return state;
 }

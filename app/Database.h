@@ -1,6 +1,8 @@
 #ifndef TESSEL_APP_DATABASE_H
 #define TESSEL_APP_DATABASE_H
 
+#include <fcntl.h>
+
 #include <set>
 #include <string>
 
@@ -53,10 +55,12 @@ std::string DatabaseText(const std::set<SFileInfo>& records);
 /// be; the old file is then what it was.
 bool WriteDatabase(const char* path, const std::set<SFileInfo>& records);
 
-/// The modification time of a file; false when it can't be opened. Never waits for a writer.
-bool GetFileTime(const char* path, long* time);
+/// The modification time of a file; false when it can't be opened. Never waits for a writer. A
+/// relative path begins at the open folder, or at the current one.
+bool GetFileTime(const char* path, long* time, int folder = AT_FDCWD);
 
-/// Asks for the picture's time. `record` is null for a picture without one.
-SPictureState TestPicture(const char* path, const SFileInfo* record);
+/// Asks for the picture's time. `record` is null for a picture without one. The path is that of
+/// GetFileTime.
+SPictureState TestPicture(const char* path, const SFileInfo* record, int folder = AT_FDCWD);
 
 #endif

@@ -123,8 +123,9 @@ bool MakeThumbFolder(const std::string& folder, const std::string& dbase)
     return stat(dbase.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
-bool IsFileOrFolder(const char* path)
+bool IsFileOrFolder(const char* path, int folder)
 {
     struct stat status = {};
-    return stat(path, &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
+    return fstatat(folder, path, &status, 0) == 0 &&
+           (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
 }

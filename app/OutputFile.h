@@ -1,6 +1,7 @@
 #ifndef TESSEL_APP_OUTPUTFILE_H
 #define TESSEL_APP_OUTPUTFILE_H
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <cstdio>
@@ -36,7 +37,8 @@ bool CloseOutput(std::FILE* stream);
 bool MakeThumbFolder(const std::string& folder, const std::string& dbase);
 
 /// True for a file that can be read to an end without waiting, also at the end of a link. Folders
-/// count: they read as empty files.
-bool IsFileOrFolder(const char* path);
+/// count: they read as empty files. A relative path begins at the open folder, or at the current
+/// one.
+bool IsFileOrFolder(const char* path, int folder = AT_FDCWD);
 
 #endif

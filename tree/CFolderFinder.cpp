@@ -119,11 +119,11 @@ bool CFolderFinder::Open(SFoundFolder& found) const
 /// True for a folder that is found in another turn: that of the root that it is itself.
 bool CFolderFinder::IsOthersTurn(const SFoundFolder& found)
 {
+    const bool isRoot = found.mRelative.empty();
     struct stat status = {};
-    if (fstat(dirfd(found.mHandle.get()), &status) != 0)
+    if ((!isRoot && mRoots.size() == 1) || fstat(dirfd(found.mHandle.get()), &status) != 0)
         return false;
     const Identity identity(status.st_dev, status.st_ino);
-    const bool isRoot = found.mRelative.empty();
     return isRoot ? !mBegun.insert(identity).second : mRoots.count(identity) != 0;
 }
 

@@ -1,5 +1,6 @@
 #include "tree/CGallery.h"
 
+#include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -34,7 +35,7 @@ CGallery::CGallery(SFoundFolder folder, const STreeOptions& options, CReport& re
 /// False when another process holds the lock. A file system without locks lets the run go on.
 bool CGallery::Lock()
 {
-    mIsLocked = flock(dirfd(mFolder.mHandle.get()), LOCK_EX | LOCK_NB) == 0;
+    mIsLocked = flock(Handle(), LOCK_EX | LOCK_NB) == 0;
     return mIsLocked || errno != EWOULDBLOCK;
 }
 
@@ -50,7 +51,6 @@ bool CGallery::Open()
         Fail("the database can't be read");
     if (!mHasDatabase)
         mNext = mNames.size();  // without it, every picture would be made again in every run
-    ReadThumbs();
     if (HasDrafts())
         RemoveDrafts();
     return true;
@@ -59,8 +59,9 @@ bool CGallery::Open()
 /// Whether a killed run has left drafts.
 bool CGallery::HasDrafts() const
 {
-    return mFolder.mHasDrafts || HasInThumbs(kThumbDrafts) ||
-           HasInThumbs(DraftFolderOf(kDbaseFile));
+    const std::string thumbs = kThumbFolder + std::string("/");
+    return mFolder.mHasDrafts || Stands(thumbs + kThumbDrafts) ||
+           Stands(thumbs + DraftFolderOf(kDbaseFile));
 }
 
 /// Removes what a killed run has left. Without a lock it could be somebody's work.
@@ -76,23 +77,16 @@ void CGallery::RemoveDrafts() const
     RemoveLeftDrafts(mPaths.mThumbFolder + "/" + kThumbDrafts);
 }
 
-void CGallery::ReadThumbs()
-{
-    mKnowsThumbs =
-        mHasThumbs && CFileIO::ResolveWildCard(mPaths.mThumbFolder.c_str(), "*", &mThumbs);
-    if (mHasThumbs && !mKnowsThumbs)
-        Fail("tessel can't be listed");
-    std::sort(mThumbs.begin(), mThumbs.end());
-}
-
 bool CGallery::HasThumb(std::size_t picture) const
 {
-    return mMade[picture] || HasInThumbs(mNames[picture]);
+    return mMade[picture] || (mHasThumbs && Stands(kThumbFolder + ("/" + mNames[picture])));
 }
 
-bool CGallery::HasInThumbs(const std::string& name) const
+/// Whether there is anything at a path below the folder. What can't be told counts as there.
+bool CGallery::Stands(const std::string& path) const
 {
-    return std::binary_search(mThumbs.begin(), mThumbs.end(), name);
+    struct stat status = {};
+    return fstatat(Handle(), path.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 || errno != ENOENT;
 }
 
 const SFileInfo* CGallery::RecordOf(const std::string& name) const
@@ -105,15 +99,15 @@ std::optional<SGalleryTask> CGallery::NextPicture()
 {
     while (mNext < mNames.size()) {
         const std::size_t picture = mNext++;
-        const std::string path = Picture(picture);
-        const SFileInfo* const record = RecordOf(mNames[picture]);
-        const SPictureState state = TestPicture(path.c_str(), record);
+        const std::string& name = mNames[picture];
+        const SFileInfo* const record = RecordOf(name);
+        const SPictureState state = TestPicture(name.c_str(), record, Handle());
         const bool must = state.mMustMake || mOptions.mRemake ||
                           (mOptions.mRepair && record->mTime != state.mTime);
         if (must || mOptions.mRepair) {
-            mUnderWay[picture] = state;
+            mUnderWay[picture] = {state, HasThumb(picture)};
             mIsMaking = true;
-            return SGalleryTask{picture, ThumbRequest(path, !must)};
+            return SGalleryTask{picture, ThumbRequest(Picture(picture), !must)};
         }
     }
     return std::nullopt;
@@ -121,11 +115,11 @@ std::optional<SGalleryTask> CGallery::NextPicture()
 
 void CGallery::Finish(std::size_t picture, const STaskResult& result)
 {
-    const SPictureState state = mUnderWay.at(picture);
+    const SUnderWay work = mUnderWay.at(picture);
     mUnderWay.erase(picture);
     if (result.mReply.empty()) {
         Forget(picture);
-        RemoveHalf(picture);
+        RemoveHalf(picture, work);
         ReportLost(picture, result);
         return;
     }
@@ -136,7 +130,7 @@ void CGallery::Finish(std::size_t picture, const STaskResult& result)
     if (thumb.mOutcome == EThumb::kUnwritable)
         Forget(picture);
     else if (thumb.mOutcome != EThumb::kKept)
-        Record(picture, state);
+        Record(picture, work.mState);
     ReportPicture(picture, result, thumb);
 }
 
@@ -225,17 +219,17 @@ bool CGallery::WriteRecords()
 
 void CGallery::Abandon()
 {
-    for (const auto& [picture, state] : mUnderWay)
-        RemoveHalf(picture);
+    for (const auto& [picture, work] : mUnderWay)
+        RemoveHalf(picture, work);
     Save();
     RemoveDrafts();
 }
 
 /// Removes what a worker that was ended may have left in the place of a new thumbnail. An older one
 /// is replaced only when its draft is complete, and stays.
-void CGallery::RemoveHalf(std::size_t picture) const
+void CGallery::RemoveHalf(std::size_t picture, const SUnderWay& work) const
 {
-    if (mKnowsThumbs && !HasThumb(picture))
+    if (!work.mHadThumb)
         unlink(mPaths.Thumbnail(mNames[picture]).c_str());
 }
 

@@ -62,17 +62,23 @@ public:
     const SGalleryEntry& Entry() const { return mEntry; }
 
 private:
+    struct SUnderWay
+    {
+        SPictureState mState;
+        bool mHadThumb;
+    };
+
+    int Handle() const { return dirfd(mFolder.mHandle.get()); }
     bool Lock();
-    void ReadThumbs();
     void RemoveDrafts() const;
     std::string Picture(std::size_t picture) const { return mPaths.Picture(mNames[picture]); }
     const SFileInfo* RecordOf(const std::string& name) const;
     bool HasThumb(std::size_t picture) const;
-    bool HasInThumbs(const std::string& name) const;
     bool HasDrafts() const;
+    bool Stands(const std::string& path) const;
     void Record(std::size_t picture, const SPictureState& state);
     void Forget(std::size_t picture);
-    void RemoveHalf(std::size_t picture) const;
+    void RemoveHalf(std::size_t picture, const SUnderWay& work) const;
     void ReportPicture(std::size_t picture, const STaskResult& result, const SThumbResult& thumb);
     void ReportLost(std::size_t picture, const STaskResult& result);
     void AddUnwritten(std::size_t picture, const std::string& reason);
@@ -94,13 +100,11 @@ private:
     bool mHasThumbs = false;    // the thumbnail folder may be written to
     bool mHasDatabase = false;  // it was read, and may be written
     std::set<SFileInfo> mRecords;
-    std::string mSaved;                // what the database file holds
-    std::vector<std::string> mThumbs;  // what stood in the thumbnail folder, in order
-    bool mKnowsThumbs = false;         // that is all
-    std::vector<bool> mMade;           // which pictures have a new thumbnail
-    std::vector<bool> mReported;       // which pictures the report has
-    std::size_t mNext = 0;             // the picture that NextPicture looks at next
-    std::map<std::size_t, SPictureState> mUnderWay;
+    std::string mSaved;           // what the database file holds
+    std::vector<bool> mMade;      // which pictures have a new thumbnail
+    std::vector<bool> mReported;  // which pictures the report has
+    std::size_t mNext = 0;        // the picture that NextPicture looks at next
+    std::map<std::size_t, SUnderWay> mUnderWay;
     bool mIsMaking = false;  // a picture was given away
     long mUnwritten = 0;     // thumbnails that could not be written
     std::string mWhyUnwritten;
