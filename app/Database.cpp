@@ -60,9 +60,9 @@ bool ReadText(int file, std::size_t expected, std::string* text)
 
 /// Reads the file at `path`. True with an empty text where nothing stands that could hold records:
 /// nothing at all, a link to nothing, or what is no file.
-bool ReadWhole(const char* path, std::string* text)
+bool ReadWhole(int folder, const char* path, std::string* text)
 {
-    const int file = OpenForReading(path);
+    const int file = OpenForReading(path, folder);
     if (file < 0)
         return errno == ENOENT || errno == ENOTDIR || errno == ELOOP || errno == ENXIO;
     struct stat status = {};
@@ -96,12 +96,12 @@ void AddRecords(std::string_view text, std::set<SFileInfo>* records)
 
 }  // namespace
 
-bool ReadDatabase(const char* path, std::set<SFileInfo>* records, std::string* text)
+bool ReadDatabase(const char* path, std::set<SFileInfo>* records, std::string* text, int folder)
 {
     try {
         std::string whole;
         std::set<SFileInfo> read;
-        if (!ReadWhole(path, &whole))
+        if (!ReadWhole(folder, path, &whole))
             return false;
         AddRecords(whole, &read);
         if (records->empty())
@@ -142,6 +142,12 @@ bool GetFileTime(const char* path, long* time, int folder)
     if (known)
         *time = RecordTime(status.st_mtime);
     return known;
+}
+
+bool IsUpToDate(const char* path, const SFileInfo& record, int folder)
+{
+    struct stat status = {};
+    return fstatat(folder, path, &status, 0) == 0 && record.mTime >= RecordTime(status.st_mtime);
 }
 
 SPictureState TestPicture(const char* path, const SFileInfo* record, int folder)

@@ -46,7 +46,8 @@ constexpr long kMostDatabaseBytes = 1L << 26;
 /// memory, or because it is too large: no record is added then, and the file must not be
 /// overwritten. True when it was read, and where there is nothing that could hold records. The
 /// file's contents are then left in `text`, unless that is null.
-bool ReadDatabase(const char* path, std::set<SFileInfo>* records, std::string* text = nullptr);
+bool ReadDatabase(const char* path, std::set<SFileInfo>* records, std::string* text = nullptr,
+                  int folder = AT_FDCWD);
 
 /// The contents of a file of all records. A name that the format can't hold is left out.
 std::string DatabaseText(const std::set<SFileInfo>& records);
@@ -58,6 +59,10 @@ bool WriteDatabase(const char* path, const std::set<SFileInfo>& records);
 /// The modification time of a file; false when it can't be opened. Never waits for a writer. A
 /// relative path begins at the open folder, or at the current one.
 bool GetFileTime(const char* path, long* time, int folder = AT_FDCWD);
+
+/// True for a picture that is not later than its record. It is not opened: one that can't be would
+/// not get another thumbnail anyway. The path is that of GetFileTime.
+bool IsUpToDate(const char* path, const SFileInfo& record, int folder = AT_FDCWD);
 
 /// Asks for the picture's time. `record` is null for a picture without one. The path is that of
 /// GetFileTime.

@@ -82,21 +82,6 @@ bool Holds(int file, std::string_view text)
     return true;
 }
 
-/// Whether a regular file holds just this text. Nothing else is opened.
-bool HasContents(const std::string& path, const std::string& text)
-{
-    struct stat status = {};
-    if (lstat(path.c_str(), &status) != 0 || !IsOrdinary(status) ||
-        status.st_size != static_cast<off_t>(text.size()))
-        return false;
-    const int file = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    if (file < 0)
-        return false;
-    const bool same = Holds(file, text);
-    close(file);
-    return same;
-}
-
 EReplaced WriteDraft(const CDraftFolder& folder, const std::string& path, std::string_view text)
 {
     CDraft draft(folder, path);
@@ -156,7 +141,16 @@ void RemoveLeftDrafts(const std::string& folder)
     drafts.Remove();
 }
 
-bool UpdateFile(const std::string& path, const std::string& text)
+bool HasContents(const std::string& path, std::string_view text, int folder)
 {
-    return HasContents(path, text) || ReplaceFile(path, text);
+    struct stat status = {};
+    if (fstatat(folder, path.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 || !IsOrdinary(status) ||
+        status.st_size != static_cast<off_t>(text.size()))
+        return false;
+    const int file = openat(folder, path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0)
+        return false;
+    const bool same = Holds(file, text);
+    close(file);
+    return same;
 }

@@ -1,6 +1,8 @@
 #ifndef TESSEL_APP_REPLACEFILE_H
 #define TESSEL_APP_REPLACEFILE_H
 
+#include <fcntl.h>
+
 #include <string>
 #include <string_view>
 
@@ -16,9 +18,9 @@
 /// changed, the file is overwritten in place, once there is room for all of it.
 bool ReplaceFile(const std::string& path, std::string_view text);
 
-/// The same, but a regular file that already has these contents stays, with its time, and what
-/// killed runs have left beside it.
-bool UpdateFile(const std::string& path, const std::string& text);
+/// Whether an ordinary file already has these contents. Nothing else is opened. A relative path
+/// begins at the open folder, or at the current one.
+bool HasContents(const std::string& path, std::string_view text, int folder = AT_FDCWD);
 
 /// Ends the name of a folder of drafts.
 constexpr const char* kDraftSuffix = ".new";

@@ -20,6 +20,16 @@
 #include "tree/ThumbWork.h"
 #include "util/CFileIO.h"
 
+namespace {
+
+/// The path from a gallery's folder to a file in its thumbnail folder.
+std::string InThumbs(const std::string& name)
+{
+    return std::string(kThumbFolder) + '/' + name;
+}
+
+}  // namespace
+
 CGallery::CGallery(SFoundFolder folder, const STreeOptions& options, CReport& report)
     : mFolder(std::move(folder)),
       mOptions(options),
@@ -46,7 +56,8 @@ bool CGallery::Open()
     mHasThumbs = mFolder.mHasThumbFolder || MakeThumbFolder(mPaths.mThumbFolder, mPaths.mDbase);
     if (!mHasThumbs)
         Fail("tessel is a link that is not followed");
-    mHasDatabase = mHasThumbs && ReadDatabase(mPaths.mDbase.c_str(), &mRecords, &mSaved);
+    mHasDatabase =
+        mHasThumbs && ReadDatabase(InThumbs(kDbaseFile).c_str(), &mRecords, &mSaved, Handle());
     if (mHasThumbs && !mHasDatabase)
         Fail("the database can't be read");
     if (!mHasDatabase)
@@ -59,9 +70,8 @@ bool CGallery::Open()
 /// Whether a killed run has left drafts.
 bool CGallery::HasDrafts() const
 {
-    const std::string thumbs = kThumbFolder + std::string("/");
-    return mFolder.mHasDrafts || Stands(thumbs + kThumbDrafts) ||
-           Stands(thumbs + DraftFolderOf(kDbaseFile));
+    return mFolder.mHasDrafts || Stands(InThumbs(kThumbDrafts)) ||
+           Stands(InThumbs(DraftFolderOf(kDbaseFile)));
 }
 
 /// Removes what a killed run has left. Without a lock it could be somebody's work.
@@ -79,7 +89,7 @@ void CGallery::RemoveDrafts() const
 
 bool CGallery::HasThumb(std::size_t picture) const
 {
-    return mMade[picture] || (mHasThumbs && Stands(kThumbFolder + ("/" + mNames[picture])));
+    return mMade[picture] || (mHasThumbs && Stands(InThumbs(mNames[picture])));
 }
 
 /// Whether there is anything at a path below the folder. What can't be told counts as there.
@@ -101,6 +111,9 @@ std::optional<SGalleryTask> CGallery::NextPicture()
         const std::size_t picture = mNext++;
         const std::string& name = mNames[picture];
         const SFileInfo* const record = RecordOf(name);
+        const bool mayKeep = record && !mOptions.mRemake && !mOptions.mRepair;
+        if (mayKeep && IsUpToDate(name.c_str(), *record, Handle()))
+            continue;
         const SPictureState state = TestPicture(name.c_str(), record, Handle());
         const bool must = state.mMustMake || mOptions.mRemake ||
                           (mOptions.mRepair && record->mTime != state.mTime);

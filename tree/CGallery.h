@@ -88,6 +88,7 @@ private:
     bool RemoveThumb(int folder, const std::string& name) const;
     void WritePage();
     void WriteAlbum();
+    void WriteUnlessThere(const std::string& name, const std::string& text);
     void ReportMissing();
     void Fail(const std::string& reason);
 

@@ -87,8 +87,7 @@ void CGallery::WritePage()
     for (const std::string& name : mNames)
         text += page.Cell(name);
     text += page.Tail();
-    if (!UpdateFile(mPaths.mPage, text))
-        Fail(std::string(kPageFile) + " can't be written");
+    WriteUnlessThere(kPageFile, text);
 }
 
 void CGallery::WriteAlbum()
@@ -102,10 +101,15 @@ void CGallery::WriteAlbum()
     const auto first = std::find_if(pictures.begin(), pictures.end(),
                                     [](const SAlbumPicture& picture) { return picture.mHasThumb; });
     mEntry.mFirstThumb = first == pictures.end() ? "" : first->mName;
-    if (!UpdateFile(mFolder.mPath + "/" + kAlbumFile,
-                    MakeAlbumPage(mPaths.Heading(), pictures, BackLink(mFolder.mRelative),
-                                  mOptions.mThumbSize)))
-        Fail(std::string(kAlbumFile) + " can't be written");
+    WriteUnlessThere(kAlbumFile, MakeAlbumPage(mPaths.Heading(), pictures,
+                                               BackLink(mFolder.mRelative), mOptions.mThumbSize));
+}
+
+/// Writes a page. One that is there already keeps its time.
+void CGallery::WriteUnlessThere(const std::string& name, const std::string& text)
+{
+    if (!HasContents(name, text, Handle()) && !ReplaceFile(mPaths.Picture(name), text))
+        Fail(name + " can't be written");
 }
 
 /// Names the pictures without a thumbnail that this run has not tried.

@@ -224,8 +224,10 @@ void CTreeRun::WritePages()
         const std::string path = root + "/" + kGalleriesFile;
         RemoveLeftDrafts(DraftFolderOf(path));
         std::error_code error;
-        if (std::filesystem::is_directory(root, error) &&
-            !UpdateFile(path, MakeGalleriesPage(NameOf(root), mEntries[i], mOptions.mThumbSize)))
+        if (!std::filesystem::is_directory(root, error))
+            continue;
+        const std::string page = MakeGalleriesPage(NameOf(root), mEntries[i], mOptions.mThumbSize);
+        if (!HasContents(path, page) && !ReplaceFile(path, page))
             mReport.AddFailure(path);
     }
 }
