@@ -19,7 +19,13 @@
 namespace {
 
 constexpr char kSeparator = '\t';
-constexpr const char* kUnstorable = "\t\n\r";  // a name with one of them is read back as another
+
+/// False for a name that would be read back as another.
+bool IsStorable(std::string_view name)
+{
+    return std::none_of(name.begin(), name.end(),
+                        [](char c) { return c == kSeparator || c == '\n' || c == '\r'; });
+}
 
 /// A time as a record holds it: where a long has 32 bits, those beyond count as its limit.
 long RecordTime(std::int64_t time)
@@ -120,7 +126,7 @@ std::string DatabaseText(const std::set<SFileInfo>& records)
 {
     std::string text;
     for (const SFileInfo& info : records) {
-        if (info.mName.find_first_of(kUnstorable) == std::string::npos)
+        if (IsStorable(info.mName))
             text += info.mName + kSeparator + std::to_string(info.mTime) + '\n';
     }
     return text;

@@ -73,13 +73,14 @@ bool WriteInPlace(const std::string& path, std::string_view text)
 bool Holds(int file, std::string_view text)
 {
     std::array<char, 1 << 16> piece;
-    while (!text.empty()) {
-        const ssize_t count = read(file, piece.data(), piece.size());
-        if (count <= 0 || !text.starts_with({piece.data(), static_cast<std::size_t>(count)}))
+    ssize_t count = 0;
+    do {
+        count = read(file, piece.data(), piece.size());
+        if (count < 0 || !text.starts_with({piece.data(), static_cast<std::size_t>(count)}))
             return false;
         text.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return true;
+    } while (static_cast<std::size_t>(count) == piece.size());
+    return text.empty();
 }
 
 EReplaced WriteDraft(const CDraftFolder& folder, const std::string& path, std::string_view text)
@@ -143,10 +144,6 @@ void RemoveLeftDrafts(const std::string& folder)
 
 bool HasContents(const std::string& path, std::string_view text, int folder)
 {
-    struct stat status = {};
-    if (fstatat(folder, path.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 || !IsOrdinary(status) ||
-        status.st_size != static_cast<off_t>(text.size()))
-        return false;
     const int file = openat(folder, path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     if (file < 0)
         return false;

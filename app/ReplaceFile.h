@@ -18,8 +18,8 @@
 /// changed, the file is overwritten in place, once there is room for all of it.
 bool ReplaceFile(const std::string& path, std::string_view text);
 
-/// Whether an ordinary file already has these contents. Nothing else is opened. A relative path
-/// begins at the open folder, or at the current one.
+/// Whether the regular file at `path` has just these contents; the caller knows that there is one,
+/// or none at all. A relative path begins at the open folder, or at the current one.
 bool HasContents(const std::string& path, std::string_view text, int folder = AT_FDCWD);
 
 /// Ends the name of a folder of drafts.

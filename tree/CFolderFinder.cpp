@@ -11,6 +11,7 @@
 
 #include "app/GalleryLayout.h"
 #include "app/ReplaceFile.h"
+#include "tree/AlbumPage.h"
 #include "tree/CReport.h"
 #include "tree/Interruption.h"
 #include "tree/NaturalOrder.h"
@@ -29,14 +30,15 @@ bool IsPassedOver(std::string_view name)
            CFileIO::Strcmpx(name.data() + name.size() - length, kPassedOverSuffix);
 }
 
-/// Whether an entry is a real folder, and no link to one.
-bool IsFolder(DIR* parent, const dirent& entry)
+/// Whether an entry of an open folder is of a type, which has a number in lists and one in modes. A
+/// link is not what it leads to.
+bool Is(unsigned char type, mode_t mode, const dirent& entry, const SFoundFolder& folder)
 {
     if (entry.d_type != DT_UNKNOWN)
-        return entry.d_type == DT_DIR;
+        return entry.d_type == type;
     struct stat status = {};
-    return fstatat(dirfd(parent), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-           S_ISDIR(status.st_mode);
+    return fstatat(dirfd(folder.mHandle.get()), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+           (status.st_mode & S_IFMT) == mode;
 }
 
 /// Whether an open folder has a gallery.
@@ -151,9 +153,11 @@ void CFolderFinder::Add(const dirent& entry, SFoundFolder& found,
         ++found.mPassedOver;
     if (name.ends_with(kDraftSuffix))
         found.mHasDrafts = true;
+    if ((name == kPageFile || name == kAlbumFile) && Is(DT_REG, S_IFREG, entry, found))
+        found.mPages.emplace_back(name);
     if (name == kThumbFolder)
-        found.mHasThumbFolder = IsFolder(found.mHandle.get(), entry);
-    else if (!mOptions.mOnly && IsEntered(name) && IsFolder(found.mHandle.get(), entry))
+        found.mHasThumbFolder = Is(DT_DIR, S_IFDIR, entry, found);
+    else if (!mOptions.mOnly && IsEntered(name) && Is(DT_DIR, S_IFDIR, entry, found))
         folders.emplace_back(name);
 }
 

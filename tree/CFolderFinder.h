@@ -38,6 +38,7 @@ struct SFoundFolder : SFolder
 
     std::unique_ptr<DIR, SCloser> mHandle;
     std::vector<std::string> mPictures;  ///< names *.jpg, as the folder gives them
+    std::vector<std::string> mPages;     ///< those that are there as regular files
     long mPassedOver = 0;                ///< how many are named *.jpeg
     bool mHasThumbFolder = false;        ///< a real folder, no link
     bool mHasDrafts = false;             ///< perhaps: of pages, left by a killed run

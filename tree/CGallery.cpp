@@ -95,8 +95,7 @@ bool CGallery::HasThumb(std::size_t picture) const
 /// Whether there is anything at a path below the folder. What can't be told counts as there.
 bool CGallery::Stands(const std::string& path) const
 {
-    struct stat status = {};
-    return fstatat(Handle(), path.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 || errno != ENOENT;
+    return faccessat(Handle(), path.c_str(), F_OK, 0) == 0 || errno != ENOENT;
 }
 
 const SFileInfo* CGallery::RecordOf(const std::string& name) const

@@ -108,7 +108,10 @@ void CGallery::WriteAlbum()
 /// Writes a page. One that is there already keeps its time.
 void CGallery::WriteUnlessThere(const std::string& name, const std::string& text)
 {
-    if (!HasContents(name, text, Handle()) && !ReplaceFile(mPaths.Picture(name), text))
+    const std::vector<std::string>& pages = mFolder.mPages;
+    const bool isThere = std::find(pages.begin(), pages.end(), name) != pages.end() &&
+                         HasContents(name, text, Handle());
+    if (!isThere && !ReplaceFile(mPaths.Picture(name), text))
         Fail(name + " can't be written");
 }
 

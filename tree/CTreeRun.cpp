@@ -227,7 +227,9 @@ void CTreeRun::WritePages()
         if (!std::filesystem::is_directory(root, error))
             continue;
         const std::string page = MakeGalleriesPage(NameOf(root), mEntries[i], mOptions.mThumbSize);
-        if (!HasContents(path, page) && !ReplaceFile(path, page))
+        const bool isFile = std::filesystem::symlink_status(path, error).type() ==
+                            std::filesystem::file_type::regular;
+        if (!(isFile && HasContents(path, page)) && !ReplaceFile(path, page))
             mReport.AddFailure(path);
     }
 }

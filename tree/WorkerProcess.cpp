@@ -46,8 +46,19 @@ void EndWithParent(pid_t parent)
         std::_Exit(EXIT_FAILURE);
 }
 
+/// Closes all descriptors from a number on: those of other workers, and the locks of galleries.
+void CloseFrom(int first)
+{
+#ifdef CLOSE_RANGE_CLOEXEC  // there is the function, too; many times as fast as what follows
+    if (close_range(static_cast<unsigned>(first), ~0U, 0) == 0)
+        return;
+#endif
+    for (int file = first; file < kMostDescriptors; ++file)
+        close(file);
+}
+
 /// Does what is requested until nobody can request any more.
-void Serve(int requests, const std::function<std::string(const std::string&)>& work)
+void Serve(const std::function<std::string(const std::string&)>& work)
 {
     std::string received;
     std::string request;
@@ -59,7 +70,7 @@ void Serve(int requests, const std::function<std::string(const std::string&)>& w
             if (!WriteWhole(STDOUT_FILENO, std::string(1, '\0') + reply + '\0'))
                 return;
         }
-        const ssize_t count = read(requests, piece.data(), piece.size());
+        const ssize_t count = read(STDIN_FILENO, piece.data(), piece.size());
         if (count == 0 || (count < 0 && errno != EINTR))
             return;
         received.append(piece.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
@@ -86,14 +97,12 @@ void RunWorker(pid_t parent, int requests, int results,
     std::signal(SIGINT, SIG_IGN);
     std::signal(SIGTERM, SIG_DFL);
     std::signal(SIGHUP, SIG_DFL);
+    dup2(requests, STDIN_FILENO);
     dup2(results, STDOUT_FILENO);
     dup2(results, STDERR_FILENO);
-    for (int file = STDERR_FILENO + 1; file < kMostDescriptors; ++file) {
-        if (file != requests)
-            close(file);
-    }
+    CloseFrom(STDERR_FILENO + 1);
     try {
-        Serve(requests, work);
+        Serve(work);
     } catch (const std::exception& error) {
         // Further up stand the objects of the process that this one is a copy of: they would save,
         // and kill, a second time.
