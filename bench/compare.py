@@ -212,7 +212,7 @@ def main():
         bench.empty()
         parts[name](bench)
         (bench.build / "performance.md").write_text(bench.table, encoding="utf-8")
-    bench.empty()
+    bench.close()
     print(bench.table, end="")
 
 
