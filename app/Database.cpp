@@ -48,11 +48,9 @@ bool ReadText(int file, std::size_t expected, std::string* text)
 {
     constexpr std::size_t kMost = kMostDatabaseBytes;
     constexpr std::size_t kPiece = 1 << 16;
-    std::size_t piece = std::min(expected, kMost) + 1;  // what is asked for in vain shows the end
-    for (;;) {
+    std::size_t piece = expected + 1;  // what is asked for in vain shows the end
+    while (expected <= kMost && text->size() <= kMost) {
         const std::size_t size = text->size();
-        if (size > kMost)
-            return false;
         text->resize(size + piece);
         const ssize_t count = read(file, text->data() + size, piece);
         text->resize(size + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
@@ -62,6 +60,7 @@ bool ReadText(int file, std::size_t expected, std::string* text)
             return false;
         piece = kPiece;
     }
+    return false;
 }
 
 /// Reads the file at `path`. True with an empty text where nothing stands that could hold records:

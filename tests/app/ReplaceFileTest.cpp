@@ -48,15 +48,26 @@ TEST_F(ReplaceFileTest, WithoutRoomANewFileIsRemoved)
     EXPECT_TRUE(fs::is_empty(mFolder));
 }
 
-TEST_F(ReplaceFileTest, AnUpdateLeavesAFileOfTheSameContentsAlone)
+TEST_F(ReplaceFileTest, OnlyAFileOfJustThisTextHasItAsContents)
 {
-    WriteAll(mFile, "same");
-    struct stat before = {};
-    stat(mPath, &before);
-    EXPECT_TRUE(UpdateFile(mFile, "same"));
-    struct stat after = {};
-    stat(mPath, &after);
-    EXPECT_EQ(after.st_ino, before.st_ino);
-    EXPECT_TRUE(UpdateFile(mFile, "news"));
-    EXPECT_EQ(ReadAll(mFile), "news");
+    const struct
+    {
+        const char* name;
+        std::string contents;
+        std::string text;
+        bool expected;
+    } rows[] = {
+        {"the same", "page", "page", true},
+        {"nothing", "", "", true},
+        {"more in the file", "pages", "page", false},
+        {"less in the file", "pag", "page", false},
+        {"another letter", "pape", "page", false},
+        {"the same, in more than one piece", std::string(65537, 'p'), std::string(65537, 'p'),
+         true},
+        {"more behind the first piece", std::string(65537, 'p'), std::string(65536, 'p'), false},
+    };
+    for (const auto& row : rows) {
+        WriteAll(mFile, row.contents);
+        EXPECT_EQ(HasContents(mFile, row.text), row.expected) << row.name;
+    }
 }

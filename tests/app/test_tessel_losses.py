@@ -52,15 +52,13 @@ def test_a_database_stays_where_nothing_can_be(made, failing, call, when):
 
 
 @pytest.mark.parametrize(
-    "call, error, when",
-    [("open", "EIO", 1), ("open", "EMFILE", 1), ("read", "EIO", 1), ("read", "EIO", 2)],
-    ids=["opened", "opened for lack of descriptors", "read", "read to its end"],
+    "call, error",
+    [("open", "EIO"), ("open", "EMFILE"), ("read", "EIO")],
+    ids=["opened", "opened for lack of descriptors", "read"],
 )
-def test_a_database_stays_that_cant_be(made, failing, call, error, when):
-    with made.database.open("a") as database:
-        database.writelines(f"y{number}.jpg\t1\n" for number in range(10_000))
+def test_a_database_stays_that_cant_be(made, failing, call, error):
     before = made.state()
-    outcome = made.run(made.folder, prefix=failing(call, error, when, made.database))
+    outcome = made.run(made.folder, prefix=failing(call, error, 1, made.database))
     assert outcome.tried == ["x.jpg"]
     assert outcome.status == 0
     assert made.state() == before
