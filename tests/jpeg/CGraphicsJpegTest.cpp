@@ -25,6 +25,18 @@ static long OpenDescriptors()
     return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
 }
 
+TEST_F(CGraphicsJpegTest, AFileThatCantBeOpenedLeavesNothingOfTheOneBefore)
+{
+    mJpeg.mWarnings = 7;
+    mJpeg.mKeepProfile = true;
+    mJpeg.mProfile = {7};
+    OpenRead();
+    EXPECT_EQ(mWidth, 0);
+    EXPECT_EQ(mHeight, 0);
+    EXPECT_EQ(mJpeg.mWarnings, 0);
+    EXPECT_THAT(mJpeg.mProfile, testing::IsEmpty());
+}
+
 TEST_F(CGraphicsJpegTest, NoReadLeavesAFileOpen)
 {
     const std::string whole = SampleJpeg(300, 2);

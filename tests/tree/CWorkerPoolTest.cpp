@@ -95,6 +95,15 @@ TEST(CWorkerPool, AByteAtTheWakeFileEndsTheWait)
     close(files[1]);
 }
 
+TEST(CWorkerPool, NothingComesBackAfterAKill)
+{
+    CWorkerPool pool(2, Work, -1);
+    pool.Give(1, "a");
+    pool.Kill();
+    EXPECT_FALSE(pool.IsBusy());
+    EXPECT_THAT(pool.Wait(0), SizeIs(0));
+}
+
 TEST(CWorkerPool, WithoutWorkersTasksFail)
 {
     CWorkerPool pool(0, Work, -1);
