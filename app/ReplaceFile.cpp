@@ -5,10 +5,10 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
+#include <vector>
 
 #include "app/CDraft.h"
 #include "app/OutputFile.h"
@@ -72,7 +72,8 @@ bool WriteInPlace(const std::string& path, std::string_view text)
 /// Whether an open file holds just this text. It is compared piece by piece: pages can be large.
 bool Holds(int file, std::string_view text)
 {
-    std::array<char, 1 << 16> piece;
+    constexpr std::size_t kMostBytes = 1 << 16;
+    std::vector<char> piece(std::min(text.size() + 1, kMostBytes));  // one more shows the end
     ssize_t count = 0;
     do {
         count = read(file, piece.data(), piece.size());

@@ -67,7 +67,7 @@ private:
     struct SUnderWay
     {
         SPictureState mState;
-        bool mHadThumb;
+        bool mHadThumb = false;
     };
 
     int Handle() const { return dirfd(mFolder.mHandle.get()); }

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <iostream>
 
@@ -34,8 +35,8 @@ std::string ProgressText(long done, long total, double seconds)
         return text;
     const double rate = static_cast<double>(done) / seconds;
     const double left = static_cast<double>(std::max(0L, total - done)) / rate;
-    return text + ", " + std::to_string(static_cast<long>(rate + 0.5)) + " a second, " +
-           TimeText(static_cast<long>(left + 0.5)) + " left";
+    return text + ", " + std::to_string(std::lround(rate)) + " a second, " +
+           TimeText(std::lround(left)) + " left";
 }
 
 CProgress::CProgress() : mIsShown(isatty(STDERR_FILENO) == 1) {}

@@ -192,7 +192,7 @@ std::vector<STaskResult> CWorkerPool::Wait(int milliseconds)
 
 void CWorkerPool::Receive(SWorker& worker, std::vector<STaskResult>& results)
 {
-    std::array<char, kPieceBytes> piece;
+    std::array<char, kPieceBytes> piece = {};
     const ssize_t count = read(worker.mResults, piece.data(), piece.size());
     if (count > 0) {
         worker.mReceived.append(piece.data(), static_cast<std::size_t>(count));

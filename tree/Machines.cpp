@@ -19,7 +19,7 @@
 #include "tree/Interruption.h"
 #include "tree/STreeOptions.h"
 
-extern char** environ;
+extern char** environ;  // NOLINT(readability-redundant-declaration): not in every system's headers
 
 namespace {
 
@@ -48,8 +48,8 @@ std::vector<std::string> ParallelCommand(const STreeOptions& options)
     STreeOptions handed = options;
     handed.mOnly = true;
     handed.mExcluded.clear();
-    for (const std::string& argument : ArgumentsForMachine(handed))
-        command.push_back(argument);
+    const std::vector<std::string> arguments = ArgumentsForMachine(handed);
+    command.insert(command.end(), arguments.begin(), arguments.end());
     command.insert(command.end(), {"--", "{}"});
     return command;
 }
@@ -73,6 +73,7 @@ std::vector<std::string> Environment()
 std::vector<char*> Pointers(std::vector<std::string>& texts)
 {
     std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
     for (std::string& text : texts)
         pointers.push_back(text.data());
     pointers.push_back(nullptr);

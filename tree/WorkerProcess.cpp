@@ -62,7 +62,7 @@ void Serve(const std::function<std::string(const std::string&)>& work)
 {
     std::string received;
     std::string request;
-    std::array<char, kPieceBytes> piece;
+    std::array<char, kPieceBytes> piece = {};
     for (;;) {
         while (TakePart(received, request)) {
             const std::string reply = work(request);
