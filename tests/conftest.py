@@ -73,6 +73,8 @@ def tessel(pytestconfig, build, session_work):
 
 @pytest.fixture(scope="session")
 def tree(pytestconfig, build, session_work):
+    if not (pytestconfig.getoption("--tree") or (build / "tessel-tree").exists()):
+        pytest.skip("tessel-tree isn't built")
     return copied(pytestconfig.getoption("--tree"), build / "tessel-tree", session_work)
 
 

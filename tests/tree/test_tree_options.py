@@ -8,7 +8,7 @@ import shlex
 import pytest
 
 from support.collection import stop_worker, workers_of
-from support.gallery import describe, jpeg, pixels_of, size_of
+from support.gallery import PROJECT, describe, jpeg, pixels_of, size_of
 
 
 def with_segment(picture, marker, content):
@@ -31,6 +31,13 @@ def test_upright_turns_the_thumbnails_of_pictures_that_lie_on_their_side(collect
     assert (width, height) == (128, 192)
     assert samples[0] > 250
     assert samples[3 * width - 1] < 5
+
+
+def test_the_options_that_bash_completes_are_those_of_the_help(tree):
+    usage = tree.run("--help").output
+    completion = (PROJECT / "app/tessel.bash-completion").read_text()
+    [options] = re.findall(r'options="(.*?)"', completion, re.DOTALL)
+    assert sorted(re.findall(r"(?<=\s)-{1,2}\w+", usage)) == sorted(options.split())
 
 
 @pytest.mark.parametrize("options, count", [([], 0), (["--profile"], 1)], ids=["without", "with"])
