@@ -136,10 +136,9 @@ def test_a_database_keeps_its_access(made, need, path, words, in_place):
     assert (made.database.stat().st_ino == number) == in_place
 
 
-def test_nothing_is_written_through_a_link_that_appears_meanwhile(made, need, work):
-    need("strace")
+def test_nothing_is_written_through_a_link_that_appears_meanwhile(made, trace, work):
     made.add("x.jpg")
-    made.run(prefix=["strace", "-o", work / "calls", "-e", "trace=/^open"])
+    made.run(prefix=[*trace, "-o", work / "calls", "-e", "trace=/^open"])
     calls = (work / "calls").read_text().splitlines()
     writing = [call for call in calls if "O_WRONLY" in call]
     for name in ["index.html", "tessel/x.jpg", "tessel-draft-"]:
