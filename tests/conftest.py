@@ -132,7 +132,8 @@ def elsewhere(work):
 def stranger(tessel):
     """The circumstances of a run by a user who may not change everything: for the superuser, that
     is somebody else."""
-    circumstances = {"user": NOBODY} if os.geteuid() == 0 else {}
+    somebody = {"user": NOBODY, "group": NOBODY, "extra_groups": []}
+    circumstances = somebody if os.geteuid() == 0 else {}
     with contextlib.suppress(PermissionError):
         if tessel.run(**circumstances).status == 0:
             return circumstances

@@ -103,7 +103,7 @@ def test_each_line_is_written_in_one_piece(gallery):
     gallery.add("line\nfeed.jpg", content=jpeg(300, 200, depth=3)[:-1])
     ours, theirs = socket.socketpair(socket.AF_UNIX, socket.SOCK_SEQPACKET)  # keeps pieces apart
     with theirs:
-        gallery.run(folder, output=theirs)
+        gallery.run(folder, stdout=theirs)
     pieces = [piece.decode() for piece in iter(lambda: ours.recv(9999), b"")]
     assert pieces == [
         f"Reading {folder}/line\nfeed.jpg\n",

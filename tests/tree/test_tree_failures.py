@@ -1,6 +1,5 @@
 """What fails in a run of tessel-tree loses nothing, and ends nothing but what it concerns."""
 
-import resource
 
 import pytest
 
@@ -15,7 +14,7 @@ def test_an_older_thumbnail_stays_without_room_for_a_folder_of_drafts(collection
     before = collection.state()["tessel/x.jpg"]
     collection.add("x.jpg", content=jpeg(1000, 1000), time=1_000_000_001)
     prefix = failing("mkdir", "ENOSPC", path=collection.folder / "tessel/tessel-tree.new")
-    limits = {resource.RLIMIT_FSIZE: 8192}
+    limits = {"fsize": 8192}
     assert collection.run("-tsize", "1000", prefix=prefix, limits=limits).status == 1
     assert collection.state()["tessel/x.jpg"] == before
     assert collection.run("-tsize", "1000").status == 0
@@ -34,7 +33,7 @@ def test_a_file_in_the_place_of_the_drafts_stays(collection, page):
 
 def test_more_jobs_than_descriptors_do_all(collection):
     collection.add(*(f"{number}/x.jpg" for number in range(30)))
-    outcome = collection.run("-j", "100", limits={resource.RLIMIT_NOFILE: 24})
+    outcome = collection.run("-j", "100", limits={"nofile": 24})
     assert outcome.output == "30 galleries, 30 pictures, 30 thumbnails made\n"
 
 
@@ -43,7 +42,7 @@ def test_a_database_that_memory_doesnt_do_for_ends_no_other_gallery(collection):
     records = "".join(f"{number}\t\n" for number in range(1_500_000))
     records += "x.jpg\t2000000000\n"  # so that it is closed at once
     collection.add("tessel/tesselbase.txt", content=records.encode())
-    outcome = collection.run("-j1", limits={resource.RLIMIT_AS: 160_000_000})
+    outcome = collection.run("-j1", limits={"as": 160_000_000})
     assert outcome.status == 1
     assert collection.thumbs() == ["other/tessel/y.jpg"]
     assert (collection.folder / "tessel/tesselbase.txt").read_text() == records

@@ -151,8 +151,8 @@ def test_other_machines_make_the_same(collection, need, work):
     names = ["it's #", "line\nfeed", "\udcff", "-tsize", "$(touch x)", "{}", *map(str, range(40))]
     collection.add(*(f"{name}/x.jpg" for name in names), content=lying(collection.picture))
     path = f"{work}/bin:{os.environ['PATH']}"
-    environment = {"PATH": path, "HOME": str(work), "PARALLEL": "--dry-run"}
-    outcome = collection.run("-S", ":,silent,far", "--upright", environment=environment)
+    environment = os.environ | {"PATH": path, "HOME": str(work), "PARALLEL": "--dry-run"}
+    outcome = collection.run("-S", ":,silent,far", "--upright", env=environment)
     assert outcome.output.endswith("46 galleries, 46 pictures, 0 thumbnails made\n")
     assert outcome.status == 0
     assert (work / "bin/ssh.used").exists()
