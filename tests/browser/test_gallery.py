@@ -6,12 +6,13 @@ import itertools
 import os
 import pathlib
 import shutil
-import subprocess
 import tempfile
 import threading
 import urllib.parse
 
 import pytest
+
+from support.gallery import jpeg
 
 webdriver = pytest.importorskip("selenium.webdriver")
 chrome_service = pytest.importorskip("selenium.webdriver.chrome.service")
@@ -127,15 +128,6 @@ def addresses(root):
         server.server_close()
 
 
-@pytest.fixture(scope="module")
-def drawn(build, session_work):
-    """The drawn pictures, by their names."""
-    folder = session_work / "drawn"
-    command = [build / "demo/draw_pictures", folder]
-    subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
-    return {path.name: path for path in sorted(folder.iterdir())}
-
-
 @pytest.fixture
 def folder(root):
     folder = pathlib.Path(tempfile.mkdtemp(dir=root))
@@ -145,11 +137,11 @@ def folder(root):
 
 @pytest.fixture
 def page_of(tessel, folder, addresses):
-    """Makes a gallery of copies, {name: picture}, and returns its page's address by a way."""
+    """Makes a gallery of {name: picture}, and returns its page's address by a way."""
 
     def page_of(pictures, way):
         for name, picture in pictures.items():
-            shutil.copy(picture, folder / os.fsdecode(name))
+            (folder / name).write_bytes(picture)
         tessel.run("-tsize", str(SIZE), folder)
         return f"{addresses[way]}/{folder.name}/index.html"
 
@@ -167,23 +159,11 @@ def links_on(browser):
     return [link.get_property("href") for link in browser.find_elements("css selector", "li a")]
 
 
-def check_thumbnail(browser, index):
-    """A thumbnail is shown, and leads to the picture whose proportions it has."""
-    cell = browser.execute_script(CELL, index)
-    assert min(cell["size"]) > 0, f"{cell['name']}: the thumbnail can't be shown"
-    cell["image"].click()
-    picture = shown_picture(browser)
-    assert picture, f"{cell['name']}: the link leads to no picture"
-    assert browser.current_url.endswith("/" + cell["name"])
-    full = [int(picture.get_property(side)) for side in ("naturalWidth", "naturalHeight")]
-    assert cell["size"] == [SIZE * side // max(full) for side in full], cell["name"]
-
-
 @pytest.mark.parametrize("way", ["http", "file"])
 @pytest.mark.parametrize("count", [0, 5, 6])
-def test_every_thumbnail_leads_to_its_picture(browser, page_of, drawn, count, way):
-    pictures = itertools.cycle(drawn.values())
-    names = [f"{number:02}.jpg" for number in range(count)]
+def test_every_thumbnail_leads_to_its_picture(browser, page_of, count, way):
+    pictures = itertools.cycle([jpeg(300, 200), jpeg(40, 130, depth=3)])
+    names = [f"{number}.jpg" for number in range(count)]
     page = page_of(dict(zip(names, pictures)), way)
     browser.get(page)
     rows = browser.execute_script(ROWS)
@@ -192,15 +172,21 @@ def test_every_thumbnail_leads_to_its_picture(browser, page_of, drawn, count, wa
     assert sorted(itertools.chain(*rows)) == names
     for index in range(count):
         browser.get(page)
-        check_thumbnail(browser, index)
+        cell = browser.execute_script(CELL, index)
+        cell["image"].click()
+        picture = shown_picture(browser)
+        assert picture, f"{cell['name']}: the link leads to no picture"
+        assert browser.current_url.endswith("/" + cell["name"])
+        sides = [int(picture.get_property(side)) for side in ("naturalWidth", "naturalHeight")]
+        assert cell["size"] == [SIZE * side // max(sides) for side in sides], cell["name"]
 
 
 @pytest.mark.parametrize("way", WAYS)
 @pytest.mark.parametrize(
     "works, name", [(works, name) for works, names in NAMES.items() for name in names], ids=ascii
 )
-def test_of_an_awkward_name_works(browser, page_of, drawn, works, name, way):
-    page = page_of({name: drawn["10_small_boat.jpg"]}, way)
+def test_of_an_awkward_name_works(browser, page_of, picture, works, name, way):
+    page = page_of({os.fsdecode(name): picture}, way)
     browser.get(page)
     cell = browser.execute_script(CELL, 0)
     browser.get(cell["link"])
@@ -215,13 +201,12 @@ def test_of_an_awkward_name_works(browser, page_of, drawn, works, name, way):
 
 
 @pytest.fixture
-def galleries(tree, folder, drawn):
+def galleries(tree, folder, picture):
     """A collection with a gallery of each name for today's browsers, and one with all names."""
-    picture = drawn["10_small_boat.jpg"]
     for name in map(os.fsdecode, NAMES_FOR_TODAY):
         for album in name, "all":
             (folder / album).mkdir(exist_ok=True)
-            shutil.copy(picture, folder / album / f"{name}.jpg")
+            (folder / album / f"{name}.jpg").write_bytes(picture)
     tree.run("--page", folder)
     return folder
 
