@@ -1,8 +1,6 @@
 """Folders of anything: a run ends normally, and every good picture gets its thumbnail."""
 
-import fcntl
 import os
-import signal
 
 import pytest
 
@@ -74,21 +72,3 @@ def test_a_file_in_the_place_of_the_thumbnail_folder_leaves_the_page(gallery):
     assert outcome.status == 0
     assert gallery.has_whole_page()
     assert gallery.thumbs.read_text() == "a file"
-
-
-def test_a_picture_that_somebody_holds_a_lease_on_is_waited_for(gallery):
-    gallery.add("x.jpg")
-    with open(gallery.folder / "x.jpg", "r+b") as picture:
-
-        def give_up(*_):
-            fcntl.fcntl(picture, fcntl.F_SETLEASE, fcntl.F_UNLCK)
-
-        try:
-            fcntl.fcntl(picture, fcntl.F_SETLEASE, fcntl.F_WRLCK)
-        except OSError as error:
-            pytest.skip(f"no leases here: {error}")
-        before = signal.signal(signal.SIGIO, give_up)
-        gallery.run()
-        signal.signal(signal.SIGIO, before)
-    assert gallery.good_thumbs() == ["x.jpg"]
-    assert list(gallery.records()) == ["x.jpg"]

@@ -24,15 +24,6 @@ def test_five_descriptors_do_for_any_number_of_pictures(many):
     assert many.has_whole_page()
 
 
-@pytest.mark.native
-def test_without_a_descriptor_for_pictures_a_gallery_stays_as_it_is(many):
-    many.run()
-    before = many.state()
-    outcome = many.run(limits={"nofile": 4})  # the page's is the fourth
-    assert outcome.tried == sorted(MANY)
-    assert many.state() == before
-
-
 @pytest.mark.parametrize("closed", [[1], [0, 1, 2]], ids=["output", "input, output and error"])
 def test_closed_standard_descriptors_change_no_file(many, closed):
     many.run()

@@ -2,6 +2,8 @@
 
 import pytest
 
+LONGS_OF_32_AND_64_BITS = (2**31 - 1, 2**33)
+
 
 @pytest.fixture
 def made(gallery):
@@ -12,11 +14,23 @@ def made(gallery):
     return gallery
 
 
+def test_a_run_with_nothing_to_do_changes_and_says_nothing(made):
+    before = made.state()
+    assert made.run().output == ""
+    assert made.state() == before
+
+
 @pytest.mark.parametrize("time", [-199999, 2**33], ids=["a second later", "after 2038"])
 def test_a_later_picture_is_made_once_more(made, time):
     made.add("b.jpg", time=time)
     assert made.run().tried == ["b.jpg"]
     assert made.run().tried == []
+
+
+def test_a_time_that_no_long_holds_is_recorded_as_its_largest(made):
+    made.add("b.jpg", time=2**33)
+    made.run()
+    assert made.records()["b.jpg"] in LONGS_OF_32_AND_64_BITS
 
 
 def test_an_earlier_picture_keeps_thumbnail_and_record(made):
