@@ -9,8 +9,6 @@ from support.gallery import NOBODY, do, jpeg, state_of
 
 pytestmark = pytest.mark.native  # errors are injected into the program's own calls
 RUNNER = 12345  # a user who owns nothing else
-
-
 LITTLE_ROOM = {"fsize": 8192}
 
 
