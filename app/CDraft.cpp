@@ -22,7 +22,6 @@ namespace {
 constexpr std::string_view kDraftPrefix = "tessel-draft-";
 constexpr int kMostDrafts = 100;  // of one process number, left behind by killed runs
 constexpr int kNewFolderMode = 0777;
-constexpr int kNewFileMode = 0666;
 
 /// What an error of the system says of a draft. Lack of space, memory or descriptors passes; these
 /// don't, and overwriting the file in place may still be allowed.

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int kNewFileMode = 0666;  // less the umask
-
 /// True for what is replaced rather than overwritten.
 bool IsReplaceable(const struct stat& status)
 {

@@ -13,6 +13,9 @@
 /// originals, a FIFO would hold the run. These are replaced. An ordinary file is overwritten and
 /// keeps its mode and owner. Functions without state, for any thread.
 
+/// The mode of a file that is new, less the umask.
+constexpr int kNewFileMode = 0666;
+
 /// True for a regular file with one name, whose contents are its own.
 bool IsOrdinary(const struct stat& status);
 /// True where nothing stands, not even a link to nothing.

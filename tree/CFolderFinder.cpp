@@ -65,9 +65,9 @@ CFolderFinder::CFolderFinder(const STreeOptions& options, CReport& report)
 std::optional<SFoundFolder> CFolderFinder::Next()
 {
     while (Interruption() == 0 && (!mToDo.empty() || BeginNextRoot())) {
-        const SFolder folder = mToDo.back();
+        SFolder folder = std::move(mToDo.back());
         mToDo.pop_back();
-        std::optional<SFoundFolder> found = Visit(folder);
+        std::optional<SFoundFolder> found = Visit(std::move(folder));
         if (found)
             return found;
     }
@@ -93,18 +93,18 @@ std::optional<SFoundFolder> CFolderFinder::Again(const SFolder& folder)
 }
 
 /// Lists a folder: what is in it decides whether it has a gallery, and which folders follow.
-std::optional<SFoundFolder> CFolderFinder::Visit(const SFolder& folder)
+std::optional<SFoundFolder> CFolderFinder::Visit(SFolder folder)
 {
-    SFoundFolder found(folder);
+    SFoundFolder found(std::move(folder));
     if (!Open(found) || IsOthersTurn(found))
         return std::nullopt;
     std::vector<std::string> folders;
     const bool isListed = List(found, folders);
     // The last one is visited first.
     std::sort(folders.rbegin(), folders.rend(), IsBefore);
-    const std::string prefix = folder.mRelative.empty() ? "" : folder.mRelative + "/";
+    const std::string prefix = found.mRelative.empty() ? "" : found.mRelative + "/";
     for (const std::string& name : folders)
-        mToDo.push_back({folder.mRoot, folder.mPath + "/" + name, prefix + name});
+        mToDo.push_back({found.mRoot, found.mPath + "/" + name, prefix + name});
     if (!isListed || !HasGallery(found))
         return std::nullopt;
     return found;
@@ -121,12 +121,11 @@ bool CFolderFinder::Open(SFoundFolder& found) const
 /// True for a folder that is found in another turn: that of the root that it is itself.
 bool CFolderFinder::IsOthersTurn(const SFoundFolder& found)
 {
-    const bool isRoot = found.mRelative.empty();
     struct stat status = {};
-    if ((!isRoot && mRoots.size() == 1) || fstat(dirfd(found.mHandle.get()), &status) != 0)
+    if (fstat(dirfd(found.mHandle.get()), &status) != 0)
         return false;
     const Identity identity(status.st_dev, status.st_ino);
-    return isRoot ? !mBegun.insert(identity).second : mRoots.count(identity) != 0;
+    return found.mRelative.empty() ? !mBegun.insert(identity).second : mRoots.count(identity) != 0;
 }
 
 /// Takes down what is in an open folder, and adds the names of the folders to enter. False where it
@@ -138,9 +137,10 @@ bool CFolderFinder::List(SFoundFolder& found, std::vector<std::string>& folders)
         Add(*entry, found, folders);
         errno = 0;
     }
-    if (errno != 0)
-        mReport.AddUnfinished(found.mPath, std::strerror(errno));
-    return errno == 0;
+    if (errno == 0)
+        return true;
+    mReport.AddUnfinished(found.mPath, std::strerror(errno));
+    return false;
 }
 
 void CFolderFinder::Add(const dirent& entry, SFoundFolder& found,

@@ -67,7 +67,7 @@ private:
     using Identity = std::pair<dev_t, ino_t>;
 
     bool BeginNextRoot();
-    std::optional<SFoundFolder> Visit(const SFolder& folder);
+    std::optional<SFoundFolder> Visit(SFolder folder);
     bool Open(SFoundFolder& found) const;
     bool List(SFoundFolder& found, std::vector<std::string>& folders) const;
     void Add(const dirent& entry, SFoundFolder& found, std::vector<std::string>& folders) const;

@@ -95,7 +95,7 @@ bool CGallery::HasThumb(std::size_t picture) const
 /// Whether there is anything at a path below the folder. What can't be told counts as there.
 bool CGallery::Stands(const std::string& path) const
 {
-    return faccessat(Handle(), path.c_str(), F_OK, 0) == 0 || errno != ENOENT;
+    return faccessat(Handle(), path.c_str(), F_OK, 0) == 0 || (errno != ENOENT && errno != ENOTDIR);
 }
 
 const SFileInfo* CGallery::RecordOf(const std::string& name) const
@@ -117,7 +117,7 @@ std::optional<SGalleryTask> CGallery::NextPicture()
         const bool must = state.mMustMake || mOptions.mRemake ||
                           (mOptions.mRepair && record->mTime != state.mTime);
         if (must || mOptions.mRepair) {
-            mUnderWay[picture] = {state, HasThumb(picture)};
+            mUnderWay[picture] = {state, !IsMissing(mPaths.Thumbnail(name))};
             mIsMaking = true;
             return SGalleryTask{picture, ThumbRequest(Picture(picture), !must)};
         }

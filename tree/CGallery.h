@@ -31,11 +31,13 @@ struct SGalleryTask
 ///
 /// Open it, make what NextPicture gives, hand each result to Finish, and close it when IsFinished
 /// says so. What goes wrong is said in the report, which outlives the gallery. The folder stays
-/// locked until the object goes away. Neither copied nor moved; used by one thread.
+/// locked until the object goes away. Used by one thread.
 class CGallery
 {
 public:
     CGallery(SFoundFolder folder, const STreeOptions& options, CReport& report);
+    CGallery(const CGallery&) = delete;
+    CGallery& operator=(const CGallery&) = delete;
 
     const SFolder& Folder() const { return mFolder; }
     std::size_t PictureCount() const { return mNames.size(); }

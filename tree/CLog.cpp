@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr int kNewFileMode = 0666;  // less the umask
-
 std::string TimeLine()
 {
     const std::time_t now = std::time(nullptr);

@@ -47,10 +47,6 @@ void TakeEnd(pid_t pid, STaskResult& result)
 CWorkerPool::CWorkerPool(std::size_t workers, Work work, int wakeFile)
     : mWork(std::move(work)), mWakeFile(wakeFile), mWorkers(workers)
 {
-    for (SWorker& worker : mWorkers)
-        Start(worker);
-    // Wait could not ask for more files than a process may open, not even for none in their place.
-    std::erase_if(mWorkers, [](const SWorker& worker) { return worker.mPid < 0; });
 }
 
 CWorkerPool::~CWorkerPool()
@@ -73,6 +69,14 @@ void CWorkerPool::Kill()
         CloseFile(worker.mResults);
         worker = SWorker{};
     }
+}
+
+void CWorkerPool::StartAll()
+{
+    for (SWorker& worker : mWorkers)
+        Start(worker);
+    // Wait could not ask for more files than a process may open, not even for none in their place.
+    std::erase_if(mWorkers, [](const SWorker& worker) { return worker.mPid < 0; });
 }
 
 /// Starts a worker in a free place; false where the system has no process or pipe for it.
@@ -138,6 +142,8 @@ bool CWorkerPool::IsBusy() const
 
 void CWorkerPool::Give(std::uint64_t tag, const std::string& request)
 {
+    if (!HasWorkers())
+        StartAll();
     mWaiting.push_back({tag, request});
     Distribute();
 }

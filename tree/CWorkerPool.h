@@ -20,25 +20,25 @@ struct STaskResult
     bool mIsKilled = false;  ///< it did not end by itself, but by a signal
 };
 
-/// Processes that do work on request. Each is a copy of this process as it was when the pool was
-/// made, and does one task after the other. Whatever ends a worker, such as a crash or a kill,
-/// costs the task that it had begun, and another worker takes its place. The pool knows nothing of
-/// what the work is for. The workers end with the pool, and also when this process is killed.
+/// Processes that do work on request. Each is a copy of this process as it was when the first task
+/// was given, without what was open, and does one task after the other. Whatever ends a worker,
+/// such as a crash or a kill, costs the task that it had begun, and another worker takes its place.
+/// The pool knows nothing of what the work is for. The workers end with the pool, and also when
+/// this process is killed.
 ///
 /// A worker's standard output and standard error lead back to the pool, through one pipe for each
 /// worker: the text of a task ends with a zero byte, and so does the reply that follows it. Neither
 /// text nor reply may hold a zero byte; names of files and libjpeg's messages don't.
 ///
-/// Used by one thread, in a process that ignores SIGPIPE. Make the pool before anything else is
-/// opened that workers should not keep open; a worker that is started later closes it.
+/// Used by one thread, in a process that ignores SIGPIPE.
 class CWorkerPool
 {
 public:
     /// The work: takes a request and returns the reply.
     using Work = std::function<std::string(const std::string& request)>;
 
-    /// Starts as many workers, or as many of them as the system allows. `wakeFile` is a descriptor
-    /// at which Wait returns as soon as it can be read; -1 for none.
+    /// A pool of so many workers, or as many of them as the system allows. `wakeFile` is a
+    /// descriptor at which Wait returns as soon as it can be read; -1 for none.
     CWorkerPool(std::size_t workers, Work work, int wakeFile);
     CWorkerPool(const CWorkerPool&) = delete;
     CWorkerPool& operator=(const CWorkerPool&) = delete;
@@ -48,7 +48,7 @@ public:
     /// True while a worker has less in hand than it should, so that none waits for this process.
     /// Also where no worker could be started: what is given then comes back as failed.
     bool WantsWork() const;
-    /// Hands a task to a worker.
+    /// Hands a task to a worker. The first one starts them all.
     void Give(std::uint64_t tag, const std::string& request);
     /// True while tasks are under way.
     bool IsBusy() const;
@@ -75,6 +75,7 @@ private:
     };
 
     bool HasWorkers() const;
+    void StartAll();
     bool Start(SWorker& worker);
     SWorker* FreeWorker();
     void Distribute();

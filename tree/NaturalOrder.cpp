@@ -37,7 +37,7 @@ int CompareNumbers(std::string_view left, std::string_view right)
 
 /// Takes a character from a text. Gives its place in the order, in which nothing stands between a
 /// folder and what is in it.
-int TakeCharacter(std::string_view& text)
+int TakePlace(std::string_view& text)
 {
     const auto character = static_cast<unsigned char>(text.front());
     text.remove_prefix(1);
@@ -54,7 +54,7 @@ int Compare(std::string_view left, std::string_view right)
         if (BeginsWithDigit(left) && BeginsWithDigit(right))
             order = CompareNumbers(TakeNumber(left), TakeNumber(right));
         else
-            order = TakeCharacter(left) - TakeCharacter(right);
+            order = TakePlace(left) - TakePlace(right);
         if (order != 0)
             return order;
     }

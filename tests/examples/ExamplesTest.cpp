@@ -46,26 +46,23 @@ TEST_F(Examples, SayHowTheyAreUsedAndWhatTheyCannotDo)
 
 TEST_F(Examples, TakePicturesOfEveryDepth)
 {
-    const struct
-    {
-        const char* mName;
-        int mWidth;
-        int mSample;  ///< left of the middle
-    } rows[] = {{"half.jpg", 120, 200},    {"thumbnail.jpg", 120, 200}, {"card.jpg", 160, 200},
-                {"blended.jpg", 160, 200}, {"mirrored.jpg", 240, 100},  {"readme.jpg", 192, 200}};
+    // The name and the width of each picture, and its sample left of the middle.
+    const std::tuple<const char*, int, int> rows[] = {
+        {"half.jpg", 120, 200},    {"thumbnail.jpg", 120, 200}, {"card.jpg", 160, 200},
+        {"blended.jpg", 160, 200}, {"mirrored.jpg", 240, 100},  {"readme.jpg", 192, 200}};
     for (const int components : {1, 3, 4}) {
         WriteAll(mFile, HalvesJpeg(240, 160, components, 200, 100));
         for (const std::string& command :
              {kHalveLines + " x.jpg half.jpg", std::string(TESSEL_TOUR " x.jpg ."),
               std::string(TESSEL_README " x.jpg readme.jpg")})
             EXPECT_THAT(Run(command), Not(HasSubstr("failed"))) << components << " components";
-        for (const auto& row : rows) {
-            SCOPED_TRACE(row.mName + std::string(" of components: ") + std::to_string(components));
+        for (const auto& [name, width, sample] : rows) {
+            SCOPED_TRACE(name + std::string(" of components: ") + std::to_string(components));
             TestImage image;
-            ASSERT_TRUE(image.Read((mFolder / row.mName).c_str(), nullptr));
-            EXPECT_EQ(image.mWidth, row.mWidth);
+            ASSERT_TRUE(image.Read((mFolder / name).c_str(), nullptr));
+            EXPECT_EQ(image.mWidth, width);
             // Colours of four components are multiplied by the last.
-            const int level = components == 4 ? row.mSample * row.mSample / 255 : row.mSample;
+            const int level = components == 4 ? sample * sample / 255 : sample;
             EXPECT_NEAR(RedAt(image, 40, image.mHeight / 2), level, 4);
         }
     }

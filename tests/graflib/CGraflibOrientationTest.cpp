@@ -18,23 +18,18 @@ Bytes LettersAsPixels(const std::string& letters, int size)
 TEST(CGraflibOrientation, WholePixelsChangePlaces)
 {
     // Letters are pixels here: abcd efgh ijkl mnop qrst.
-    const struct
-    {
-        const char* mName;
-        void (CGraflib::*mChange)();
-        int mWidth;
-        int mHeight;
-        const char* mPixels;
-    } rows[] = {{"Yflip", &CGraflib::Yflip, 4, 5, "qrstmnopijklefghabcd"},
-                {"Xflip", &CGraflib::Xflip, 4, 5, "dcbahgfelkjiponmtsrq"},
-                {"Transpose", &CGraflib::Transpose, 5, 4, "aeimqbfjnrcgkosdhlpt"}};
-    for (const auto& row : rows) {
+    using Change = void (CGraflib::*)();
+    const std::tuple<const char*, Change, int, int, const char*> rows[] = {
+        {"Yflip", &CGraflib::Yflip, 4, 5, "qrstmnopijklefghabcd"},
+        {"Xflip", &CGraflib::Xflip, 4, 5, "dcbahgfelkjiponmtsrq"},
+        {"Transpose", &CGraflib::Transpose, 5, 4, "aeimqbfjnrcgkosdhlpt"}};
+    for (const auto& [name, change, width, height, pixels] : rows) {
         for (const int size : {1, 2, 3, 4, 6}) {
-            SCOPED_TRACE(std::string(row.mName) + " with bytes per pixel: " + std::to_string(size));
+            SCOPED_TRACE(std::string(name) + " with bytes per pixel: " + std::to_string(size));
             TestImage image({4, 5, size * 8}, LettersAsPixels("abcdefghijklmnopqrst", size));
-            (image.*row.mChange)();
-            EXPECT_EQ(image.Pixels(), LettersAsPixels(row.mPixels, size));
-            EXPECT_EQ(image.GetShape(), Shape(row.mWidth, row.mHeight, size * 8));
+            (image.*change)();
+            EXPECT_EQ(image.Pixels(), LettersAsPixels(pixels, size));
+            EXPECT_EQ(image.GetShape(), Shape(width, height, size * 8));
         }
     }
 }

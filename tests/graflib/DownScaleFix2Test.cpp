@@ -46,40 +46,24 @@ struct CBufferImage : TestImage
     bool mIsClosed = false;
 };
 
-struct ScaleWhileReading : testing::Test
-{
-    TestImage mSource{{3, 2, 24}, Noise(18)};
-    CBufferImage mImage{mSource};
-};
-
 }  // namespace
 
 // --- The definition ------------------------------------------------------------------------------
 
-TEST(GetScaledPicturePixel, WeighsPixelsByTheirCoveredPartAndRounds)
+TEST(GetScaledPicturePixel, WeighsPixelsByTheirCoveredPartInTwoFractionBits)
 {
-    const struct
-    {
-        const char* mName;
-        int mShift;  ///< fraction bits
-        Sizes mSizes;
-        Bytes mPixels;
-        Bytes mScaled;
-    } rows[] = {{"halves", 16, {2, 2, 1, 1}, {10, 11, 10, 11}, {11}},
-                {"partly covered", 16, {3, 1, 2, 1}, {0, 100, 200}, {33, 167}},
-                {"white at low precision",
-                 2,
-                 {7, 7, 3, 3},
-                 Bytes(49, 255),
-                 {255, 242, 242, 242, 242, 242, 242, 242, 242}},
-                {"without area", 2, {2, 1, 5, 2}, {1, 2}, {1, 1, 1, 1, 2, 1, 1, 1, 1, 2}}};
-    for (const auto& row : rows) {
-        const auto [width, height, newWidth, newHeight] = row.mSizes;
-        TestImage image({width, height, 8}, row.mPixels);
-        Bytes scaled(row.mScaled.size());
-        ScaleWithShift<CPixel1fixT, SPixel1i<unsigned char>>(image, newWidth, newHeight, row.mShift,
+    const std::tuple<const char*, Sizes, Bytes, Bytes> rows[] = {
+        {"white, which darkens",
+         {7, 7, 3, 3},
+         Bytes(49, 255),
+         {255, 242, 242, 242, 242, 242, 242, 242, 242}},
+        {"without area", {2, 1, 5, 2}, {1, 2}, {1, 1, 1, 1, 2, 1, 1, 1, 1, 2}}};
+    for (const auto& [name, sizes, pixels, expected] : rows) {
+        TestImage image({sizes[0], sizes[1], 8}, pixels);
+        Bytes scaled(expected.size());
+        ScaleWithShift<CPixel1fixT, SPixel1i<unsigned char>>(image, sizes[2], sizes[3], 2,
                                                              scaled.data());
-        EXPECT_EQ(scaled, row.mScaled) << row.mName;
+        EXPECT_EQ(scaled, expected) << name;
     }
 }
 
@@ -123,44 +107,41 @@ TEST(DownScaleFix2, RoundsAMeanJustBelowAHalfDownOverMillionsOfPixels)
     EXPECT_EQ(image.Pixels(), Bytes{254});
 }
 
-TEST(DownScalePicture, FillsNothingForATargetWithoutPixels)
+TEST(DownScalePicture, FillsWhatItIsGiven)
 {
-    TestImage image({1, 1, 8}, {1});
-    SPixel1i<unsigned char>* const nowhere = nullptr;
-    const std::string output =
-        OutputOf([&] { image.DownScalePicture<16, CPixel1fixT<16>>(nowhere, 0, 1); });
-    EXPECT_EQ(output, "sizeof(Tpixel)=1\n");
+    TestImage image({2, 1, 8}, {10, 21});
+    SPixel1i<unsigned char> pixel{};
+    OutputOf([&] { image.DownScalePicture<16, CPixel1fixT<16>>(&pixel, 1, 1); });
+    EXPECT_EQ(pixel.mSamples[0], 16);
 }
 
 // --- A picture that is read meanwhile ------------------------------------------------------------
 
-TEST_F(ScaleWhileReading, WritesTheLinesOfReadingAndScaling)
+TEST(ScaleWhileReading, ReadsAllRowsAlsoOfWhatItRefuses)
 {
-    const std::string output = OutputOf([&] { mImage.Scale(1, 2); });
-    EXPECT_EQ(output,
-              "x.jpg Width=3 Height=2 mBits=24 Data != NULL\nScaleFakt=3\nsizeof(Tpixel)=3\n");
-    EXPECT_TRUE(mImage.mIsClosed);
-}
-
-TEST_F(ScaleWhileReading, ReadsAllRowsAlsoWhenItRefuses)
-{
-    const std::string output = OutputOf([&] { mImage.Scale(0, 2); });
+    TestImage source({3, 2, 24}, Noise(18));
+    CBufferImage image(source);
+    const std::string output = OutputOf([&] { image.Scale(0, 2); });
     EXPECT_EQ(output, "x.jpg Width=3 Height=2 mBits=24 Data != NULL\n");
-    EXPECT_EQ(mImage.mNextRow, 2);
-    EXPECT_TRUE(mImage.mIsClosed);
+    EXPECT_EQ(image.mNextRow, 2);
+    EXPECT_TRUE(image.mIsClosed);
 }
 
-TEST_F(ScaleWhileReading, ReadsAllRowsAlsoWhenThereIsNoMemory)
+TEST(ScaleWhileReading, ReadsAllRowsAlsoWhenThereIsNoMemory)
 {
-    EXPECT_THROW(mImage.Scale(INT_MAX, INT_MAX), std::bad_alloc);
-    EXPECT_EQ(mImage.mNextRow, 2);
-    EXPECT_TRUE(mImage.mIsClosed);
+    TestImage source({3, 2, 24}, Noise(18));
+    CBufferImage image(source);
+    EXPECT_THROW(image.Scale(INT_MAX, INT_MAX), std::bad_alloc);
+    EXPECT_EQ(image.mNextRow, 2);
+    EXPECT_TRUE(image.mIsClosed);
 }
 
-TEST_F(ScaleWhileReading, ThrowsWhenARowCannotBeRead)
+TEST(ScaleWhileReading, ThrowsWhenARowCannotBeRead)
 {
-    mImage.mNextRow = 1;
-    const std::string output = OutputOf([&] { mImage.Scale(1, 1); });
+    TestImage source({3, 2, 24}, Noise(18));
+    CBufferImage image(source);
+    image.mNextRow = 1;
+    const std::string output = OutputOf([&] { image.Scale(1, 1); });
     EXPECT_EQ(output, "Errors: 1 x.jpg");
-    EXPECT_EQ(mImage.mData, nullptr);
+    EXPECT_EQ(image.mData, nullptr);
 }

@@ -2,14 +2,7 @@
 
 TEST(DownScaleLine2, CutsTheMeansOfBlocksInPlace)
 {
-    const struct
-    {
-        const char* mName;
-        Shape mShape;
-        int mOffset;
-        Bytes mLines;
-        Bytes mHalf;
-    } rows[] = {
+    const std::tuple<const char*, Shape, int, Bytes, Bytes> rows[] = {
         {"odd width", {5, 1, 8}, 5, {1, 2, 10, 20, 9, 3, 5, 11, 21, 9}, {2, 15}},
         {"16 bits", {2, 1, 16}, 2, Shorts({-1, 0, 0, 0}), Shorts({16383})},
         {"24 bits",
@@ -22,33 +15,28 @@ TEST(DownScaleLine2, CutsTheMeansOfBlocksInPlace)
          9,
          {1, 2, 3, 4, 3, 4, 5, 6, 99, 5, 6, 7, 8, 7, 8, 9, 10, 99},
          {4, 5, 6, 7}}};
-    for (const auto& row : rows) {
-        TestImage image(row.mShape);
-        Bytes lines = row.mLines;
-        image.DownScaleLine2(lines.data(), lines.data(), row.mOffset);
-        lines.resize(row.mHalf.size());
-        EXPECT_EQ(lines, row.mHalf) << row.mName;
+    for (const auto& [name, shape, offset, source, half] : rows) {
+        TestImage image(shape);
+        Bytes lines = source;
+        image.DownScaleLine2(lines.data(), lines.data(), offset);
+        lines.resize(half.size());
+        EXPECT_EQ(lines, half) << name;
     }
 }
 
 TEST(DownScaleLine2, HalvesOneComponentWhereThereAreSeveral)
 {
-    const struct
-    {
-        int mBits;
-        int mComponent;
-        int mOffset;
-        Bytes mHalf;  ///< what becomes of {99, 99, 99}
-    } rows[] = {{24, 1, 6, {99, 10, 99}},
-                {16, 7, 2, {1, 10, 99}},
-                {8, 7, 2, {5, 99, 99}},
-                {1, 0, 2, {99, 99, 99}}};
-    for (const auto& row : rows) {
-        TestImage image({2, 1, row.mBits});
+    // Bits, component and offset, and what becomes of {99, 99, 99}.
+    const std::tuple<int, int, int, Bytes> rows[] = {{24, 1, 6, {99, 10, 99}},
+                                                     {16, 7, 2, {1, 10, 99}},
+                                                     {8, 7, 2, {5, 99, 99}},
+                                                     {1, 0, 2, {99, 99, 99}}};
+    for (const auto& [bits, component, offset, expected] : rows) {
+        TestImage image({2, 1, bits});
         Bytes lines{1, 10, 1, 10, 1, 10, 1, 10, 3, 1, 21, 3};
         Bytes half(3, 99);
-        image.DownScaleLine2(lines.data(), half.data(), 2, row.mOffset, row.mComponent);
-        EXPECT_EQ(half, row.mHalf) << row.mBits << " bits";
+        image.DownScaleLine2(lines.data(), half.data(), 2, offset, component);
+        EXPECT_EQ(half, expected) << bits << " bits";
     }
 }
 

@@ -24,74 +24,50 @@ Bytes Scaled(Scaler scaler, const Shape& shape, const Bytes& pixels, int width, 
 
 TEST(Scalers, RoundOrCutTheMeansOfSmallPictures)
 {
-    const struct
-    {
-        const char* mName;
-        Shape mShape;
-        Bytes mPixels;
-        int mWidth;
-        Bytes mRounded;
-        Bytes mCut;
-    } rows[] = {
+    const std::tuple<const char*, Shape, Bytes, int, Bytes, Bytes> rows[] = {
         {"halves", {2, 2, 8}, {10, 11, 10, 11}, 1, {11}, {10}},
         {"partly covered", {3, 1, 8}, {0, 100, 200}, 2, {33, 167}, {33, 166}},
         {"enlarged", {2, 1, 8}, {0, 90}, 3, {0, 45, 90}, {0, 45, 89}},
         {"colours", {6, 1, 24}, kRamp, 1, {6, 8, 10}, {6, 8, 10}},
         {"16 bits", {2, 1, 16}, Shorts({255, 258}), 1, Shorts({257}), Shorts({256})},
         {"half below 0", {2, 1, 16}, Shorts({-1, 0}), 1, Shorts({0}), Shorts({0})},
-        {"half below -1", {2, 1, 16}, Shorts({-1, -2}), 1, Shorts({-1}), Shorts({-1})},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.mName);
-        EXPECT_EQ(Scaled(kFixed, row.mShape, row.mPixels, row.mWidth, 1), row.mRounded);
-        EXPECT_EQ(Scaled(kFloat, row.mShape, row.mPixels, row.mWidth, 1), row.mCut);
+        {"half below -1", {2, 1, 16}, Shorts({-1, -2}), 1, Shorts({-1}), Shorts({-1})}};
+    for (const auto& [name, shape, pixels, width, rounded, cut] : rows) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(Scaled(kFixed, shape, pixels, width, 1), rounded);
+        EXPECT_EQ(Scaled(kFloat, shape, pixels, width, 1), cut);
     }
 }
 
 TEST(Scalers, RefuseWhatCannotBeScaled)
 {
-    const struct
-    {
-        const char* mName;
-        Scaler mScaler;
-        Shape mShape;
-        Bytes mPixels;
-        int mWidth;
-        int mHeight;
-        const char* mOutput;
-    } rows[] = {{"float: depth 32", kFloat, {4, 4, 32}, Bytes(64), 2, 2, ""},
-                {"float: no buffer", kFloat, {4, 4, 24}, {}, 2, 2, ""},
-                {"float: no columns", kFloat, {0, 4, 24}, Bytes(64), 2, 2, ""},
-                {"float: no rows", kFloat, {4, 0, 24}, Bytes(64), 2, 2, ""},
-                {"float: target width 0", kFloat, {4, 4, 24}, Bytes(64), 0, 2, ""},
-                {"float: target height -1", kFloat, {4, 4, 24}, Bytes(64), 2, -1, ""},
-                {"depth 1", kFixed, {4, 4, 1}, Bytes(64), 2, 2, "***** unsupported bitcount:1\n"},
-                {"no buffer", kFixed, {4, 4, 24}, {}, 2, 2, ""},
-                {"no columns", kFixed, {0, 4, 24}, Bytes(64), 2, 2, ""},
-                {"no rows", kFixed, {4, 0, 24}, Bytes(64), 2, 2, ""},
-                {"target width 0", kFixed, {4, 4, 24}, Bytes(64), 0, 2, ""},
-                {"target height -1", kFixed, {4, 4, 24}, Bytes(64), 2, -1, ""},
-                {"too wide", kFixed, {1 << 29, 1, 8}, Bytes(64), 2, 2, ""}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.mName);
-        TestImage image(row.mShape, row.mPixels);
-        const unsigned char* const before = image.mData;
-        const unsigned char* result = before;
-        const std::string output =
-            OutputOf([&] { result = (image.*row.mScaler)(row.mWidth, row.mHeight); });
-        EXPECT_EQ(result, nullptr);
-        EXPECT_EQ(output, row.mOutput);
-        EXPECT_EQ(image.mData, before);
-        EXPECT_EQ(image.GetShape(), row.mShape);
+    const std::tuple<const char*, Shape, Bytes, int, int> rows[] = {
+        {"no buffer", {4, 4, 24}, {}, 2, 2},
+        {"no columns", {0, 4, 24}, Bytes(64), 2, 2},
+        {"no rows", {4, 0, 24}, Bytes(64), 2, 2},
+        {"target width 0", {4, 4, 24}, Bytes(64), 0, 2},
+        {"target height -1", {4, 4, 24}, Bytes(64), 2, -1}};
+    for (const auto& [name, shape, pixels, width, height] : rows) {
+        for (const Scaler scaler : {kFixed, kFloat}) {
+            SCOPED_TRACE(name + std::string(scaler == kFixed ? ", fixed" : ", float"));
+            TestImage image(shape, pixels);
+            const unsigned char* const before = image.mData;
+            EXPECT_EQ((image.*scaler)(width, height), nullptr);
+            EXPECT_EQ(image.mData, before);
+            EXPECT_EQ(image.GetShape(), shape);
+        }
     }
 }
 
-TEST(DownScaleFix2, WritesTheBytesOfAPixelAndTheRatioOf24Bits)
+TEST(Scalers, RefuseOtherDepthsAndTooLongSides)
 {
-    for (const int bits : {8, 16, 24, 32}) {
-        TestImage image({4, 4, bits}, Bytes(64));
-        const std::string output = OutputOf([&] { image.DownScaleFix2(2, 2); });
-        const std::string ratio = bits == 24 ? "ScaleFakt=4\n" : "";
-        EXPECT_EQ(output, ratio + "sizeof(Tpixel)=" + std::to_string(bits / 8) + "\n");
-    }
+    TestImage flat({4, 4, 1}, Bytes(64));
+    TestImage four({4, 4, 32}, Bytes(64));
+    TestImage wide({1 << 29, 1, 8}, Bytes(64));
+    const unsigned char* result = flat.mData;
+    const std::string output = OutputOf([&] { result = flat.DownScaleFix2(2, 2); });
+    EXPECT_EQ(result, nullptr);
+    EXPECT_EQ(output, "***** unsupported bitcount:1\n");
+    EXPECT_EQ(four.DownScale(2, 2), nullptr);
+    EXPECT_EQ(wide.DownScaleFix2(2, 2), nullptr);
 }

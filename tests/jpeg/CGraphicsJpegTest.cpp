@@ -40,19 +40,14 @@ TEST_F(CGraphicsJpegTest, AFileThatCantBeOpenedLeavesNothingOfTheOneBefore)
 TEST_F(CGraphicsJpegTest, NoReadLeavesAFileOpen)
 {
     const std::string whole = SampleJpeg(300, 2);
-    const struct
-    {
-        const char* mName;
-        std::string mContent;
-        int mOffset;
-        Sizes mSize;
-    } rows[] = {{"whole", whole, 0, {300, 2}},
-                {"cut", whole.substr(0, whole.size() - 30), 0, {300, 2}},
-                {"no picture", "text", 0, {0, 0}},
-                {"an offset that can't be reached", whole, -1, {0, 0}}};
-    for (const auto& row : rows) {
-        WriteAll(mFile, row.mContent);
-        mJpeg.mReadOffset = row.mOffset;
+    const std::tuple<const char*, std::string, int, Sizes> rows[] = {
+        {"whole", whole, 0, {300, 2}},
+        {"cut", whole.substr(0, whole.size() - 30), 0, {300, 2}},
+        {"no picture", "text", 0, {0, 0}},
+        {"an offset that can't be reached", whole, -1, {0, 0}}};
+    for (const auto& [name, content, offset, size] : rows) {
+        WriteAll(mFile, content);
+        mJpeg.mReadOffset = offset;
         const long before = OpenDescriptors();
         short width = 7;
         short height = 7;
@@ -61,56 +56,39 @@ TEST_F(CGraphicsJpegTest, NoReadLeavesAFileOpen)
             short side = 0;
             mJpeg.GetJpegSize(mPath, &side, &side, nullptr);
         });
-        EXPECT_EQ(OpenDescriptors(), before) << row.mName << ": descriptors in use";
-        EXPECT_EQ(Sizes({width, height}), row.mSize) << row.mName;
+        EXPECT_EQ(OpenDescriptors(), before) << name << ": descriptors in use";
+        EXPECT_EQ(Sizes({width, height}), size) << name;
     }
 }
 
 TEST_F(CGraphicsJpegTest, SizesOf16BitsAreRightOr0)
 {
-    const struct
-    {
-        int mWidth;
-        int mHeight;
-        Sizes mFound;
-    } rows[] = {
-        {32767, 2, {32767, 2}}, {2, 32767, {2, 32767}}, {32768, 2, {0, 0}}, {2, 32768, {0, 0}}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.mWidth << " x " << row.mHeight);
-        WriteAll(mFile, SampleJpeg(row.mWidth, row.mHeight, 1));
+    const std::pair<Sizes, Sizes> rows[] = {{{32767, 2}, {32767, 2}},
+                                            {{2, 32767}, {2, 32767}},
+                                            {{32768, 2}, {0, 0}},
+                                            {{2, 32768}, {0, 0}}};
+    for (const auto& [stored, found] : rows) {
+        SCOPED_TRACE(testing::PrintToString(stored));
+        WriteAll(mFile, SampleJpeg(stored[0], stored[1], 1));
         short width = 7;
         short height = 7;
         const bool isKnown = mJpeg.GetJpegSize(mPath, &width, &height, nullptr);
-        EXPECT_EQ(Sizes({width, height}), row.mFound);
-        EXPECT_EQ(isKnown, row.mFound[0] > 0);
+        EXPECT_EQ(Sizes({width, height}), found);
+        EXPECT_EQ(isKnown, found[0] > 0);
     }
 }
 
-TEST_F(CGraphicsJpegTest, AReadGoesOnWhateverElseIsCalled)
+TEST_F(CGraphicsJpegTest, CallsOfTheOtherDirectionDoNothing)
 {
     WriteAll(mFile, SampleJpeg(20, 10));
-    WriteAll(mOther, SampleJpeg(7, 5));
     ASSERT_TRUE(OpenRead());
-    short width = 0;
-    short height = 0;
-    mJpeg.GetJpegSize(mOther.c_str(), &width, &height, nullptr);
-    const int linesWritten = mJpeg.WriteJpegLine(mRow);
-    const bool isWritten = mJpeg.CloseJpegWrite();
-    const bool goesOn = mJpeg.ReadJpegLine(mRow);
-    EXPECT_EQ(width, 7);
-    EXPECT_EQ(linesWritten, 0);
-    EXPECT_TRUE(isWritten) << "nothing has failed";
-    EXPECT_TRUE(goesOn);
-}
-
-TEST_F(CGraphicsJpegTest, AWriteGoesOnWhateverElseIsCalled)
-{
+    EXPECT_EQ(mJpeg.WriteJpegLine(mRow), 0);
+    EXPECT_TRUE(mJpeg.CloseJpegWrite()) << "nothing has failed";
+    EXPECT_TRUE(mJpeg.ReadJpegLine(mRow));
     ASSERT_TRUE(OpenWrite());
-    const bool isRead = mJpeg.ReadJpegLine(mRow);
+    EXPECT_FALSE(mJpeg.ReadJpegLine(mRow));
     mJpeg.CloseJpegLines();
-    const int linesWritten = mJpeg.WriteJpegLine(mRow);
-    EXPECT_FALSE(isRead);
-    EXPECT_EQ(linesWritten, 1);
+    EXPECT_EQ(mJpeg.WriteJpegLine(mRow), 1);
 }
 
 TEST_F(CGraphicsJpegTest, OpeningEndsWhatIsOpenWithoutAWord)

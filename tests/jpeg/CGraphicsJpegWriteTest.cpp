@@ -75,9 +75,10 @@ TEST_F(CGraphicsJpegWriteTest, ErrorsEndTheProcess)
 TEST_F(CGraphicsJpegWriteTest, AFailedCloseOfAWholePictureIsAFailedWrite)
 {
     bool isWritten = true;
-    OutputWhereClosingFails(
-        [&] { isWritten = mJpeg.WriteJpeg(mPath, 20, 10, mPixels.data(), 75); });
-    const std::string output = OutputWhereClosingFails([&] { mImage.Write(mPath, true, nullptr); });
+    const std::string output = OutputWhereClosingFails([&] {
+        isWritten = mJpeg.WriteJpeg(mPath, 20, 10, mPixels.data(), 75);
+        mImage.Write(mPath, true, nullptr);
+    });
     EXPECT_FALSE(isWritten);
     EXPECT_EQ(output, "Errors: 2 " + mFile);
 }
@@ -85,25 +86,20 @@ TEST_F(CGraphicsJpegWriteTest, AFailedCloseOfAWholePictureIsAFailedWrite)
 TEST_F(CGraphicsJpegWriteTest, AFailedCloseRemovesANewFileAndNothingElse)
 {
     const std::string other = mFolder / "other";
-    const struct
-    {
-        const char* mName;
-        std::function<void()> mPrepare;
-        bool mAppend;
-        bool mStays;
-    } rows[] = {{"a new file", [] {}, false, false},
-                {"a file appended to", [&] { WriteAll(mFile, "front"); }, true, true},
-                {"a link", [&] { fs::create_symlink(other, mFile); }, false, true},
-                {"a pipe", [&] { mkfifo(mPath, 0600); }, false, true}};
-    for (const auto& row : rows) {
+    const std::tuple<const char*, std::function<void()>, bool, bool> rows[] = {
+        {"a new file", [] {}, false, false},
+        {"a file appended to", [&] { WriteAll(mFile, "front"); }, true, true},
+        {"a link", [&] { fs::create_symlink(other, mFile); }, false, true},
+        {"a pipe", [&] { mkfifo(mPath, 0600); }, false, true}};
+    for (const auto& [name, prepare, append, stays] : rows) {
         fs::remove(mFile);
-        row.mPrepare();
+        prepare();
         const int reader = open(mPath, O_RDONLY | O_NONBLOCK);  // without one, pipes don't open
-        mImage.SetAppendMode(row.mAppend);
+        mImage.SetAppendMode(append);
         const std::string output = OutputWhereClosingFails([&] { WriteRows(mImage, mPath); });
         close(reader);
-        EXPECT_EQ(output, "Errors: 2 " + mFile) << row.mName;
-        EXPECT_EQ(fs::exists(fs::symlink_status(mFile)), row.mStays)
-            << "whether " << row.mName << " is still there";
+        EXPECT_EQ(output, "Errors: 2 " + mFile) << name;
+        EXPECT_EQ(fs::exists(fs::symlink_status(mFile)), stays)
+            << "whether " << name << " is still there";
     }
 }

