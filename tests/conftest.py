@@ -1,6 +1,7 @@
 """Options, marks and fixtures of the tests of the programs. HACKING.md says how a test is written."""
 
 import contextlib
+import itertools
 import os
 import pathlib
 import shlex
@@ -73,6 +74,8 @@ def tessel(pytestconfig, build, session_work):
 
 @pytest.fixture(scope="session")
 def tree(pytestconfig, build, session_work):
+    if not (pytestconfig.getoption("--tree") or (build / "tessel-tree").exists()):
+        pytest.skip("tessel-tree isn't built")
     return copied(pytestconfig.getoption("--tree"), build / "tessel-tree", session_work)
 
 
@@ -129,7 +132,8 @@ def elsewhere(work):
 def stranger(tessel):
     """The circumstances of a run by a user who may not change everything: for the superuser, that
     is somebody else."""
-    circumstances = {"user": NOBODY} if os.geteuid() == 0 else {}
+    somebody = {"user": NOBODY, "group": NOBODY, "extra_groups": []}
+    circumstances = somebody if os.geteuid() == 0 else {}
     with contextlib.suppress(PermissionError):
         if tessel.run(**circumstances).status == 0:
             return circumstances
@@ -154,16 +158,41 @@ def need():
 
 
 @pytest.fixture
-def failing(need, tessel):
+def trace(need, tessel):
+    """The words before a run whose calls of the system are watched."""
+    need("strace")
+    words = ["strace", "-o", "/dev/null"]
+    if tessel.run(prefix=words).status != 0:
+        pytest.skip("nothing can be traced here")
+    return words
+
+
+@pytest.fixture
+def failing(trace):
     """A function that gives the words before a run in which calls of the system fail: those whose
     name begins so, the first, the second or whichever is named, and of one path if one is."""
-    need("strace")
-    trace = ["strace", "-f", "-o", "/dev/null"]
-    if tessel.run(prefix=trace).status != 0:
-        pytest.skip("nothing can be traced here")
 
     def failing(call, error, when="1+", path=None):
         which = [] if path is None else ["-P", path]
-        return [*trace, *which, "-e", f"inject=/^{call}:error={error}:when={when}"]
+        return [*trace, "-f", *which, "-e", f"inject=/^{call}:error={error}:when={when}"]
 
     return failing
+
+
+@pytest.fixture
+def killed(trace):
+    """A function that runs a program again and again, killed at the first, the second and at last at
+    each call of the system whose name begins so. It tells where when the run has ended."""
+
+    def killed(call, run, unmake):
+        for number in itertools.count(1):
+            unmake()
+            kill = f"inject=/^{call}:signal=KILL:when={number}"
+            outcome = run(prefix=[*trace, "-e", kill])
+            if outcome.status == 0:
+                break
+            assert outcome.status == "SIGKILL", outcome.output
+            yield f"killed at {call} {number}"
+        assert number > 1, f"nothing was killed: {outcome.output}"
+
+    return killed

@@ -38,31 +38,20 @@ def test_without_the_folder_nothing_is_made_or_said(gallery, words):
     [
         (["."], 192),
         (["elsewhere", "."], 192),
-        (["-x", "."], 192),
-        (["-tsize", "99", "."], 99),
         (["-tsize", "98px", "."], 98),
-        (["-TSIZE", "80", "."], 192),
-        (["-tsizes", "80", "."], 192),
         (["-tsize=80", "."], 192),
         (["-tsize", "big", "."], 192),
-        (["-tsize", "0", "."], 192),
         (["-tsize", "-5", "."], 192),
-        (["-tsize", "-tsize", "50", "."], 50),
         (["-tsize", "9", "-tsize", "64", "."], 64),
+        (["-tsize", "70/.."], 70),
     ],
     ids=lambda value: " ".join(value) if isinstance(value, list) else str(value),
 )
 def test_the_last_size_counts_if_it_is_one(gallery, words, size):
     gallery.add("x.jpg")
+    (gallery.folder / "70").mkdir()
     gallery.run(*words)
     assert size_of(gallery.thumbs / "x.jpg") == (size, size * 2 // 3)
-
-
-def test_the_folder_may_look_like_a_size(gallery):
-    gallery.add("x.jpg")
-    gallery.folder.rename(gallery.folder.parent / "70")
-    gallery.program.run("-tsize", "70", folder=gallery.folder.parent)
-    assert size_of(gallery.folder.parent / "70/tessel/x.jpg") == (70, 46)
 
 
 @pytest.mark.parametrize(
@@ -82,8 +71,7 @@ def test_the_folder_is_taken_as_it_is_written(gallery, folder, heading):
 
 
 def test_a_folder_without_pictures_becomes_a_gallery(gallery):
-    outcome = gallery.run(umask=0o027)
-    assert outcome.output == ""
+    assert gallery.run().output == ""
     assert gallery.page.read_text() == (
         "<html><body>\n\n<center>\n<h2>.</h2>\n<table>\n</table>\n</body></html>\n\n"
     )
@@ -110,12 +98,12 @@ def test_a_thumbnail_that_no_memory_can_hold_is_left_out(gallery):
     assert outcome.status == 0
 
 
-@pytest.mark.parametrize("folder", [".", "." + "/." * 2030], ids=["short", "4061 bytes"])
-def test_each_line_is_written_in_one_piece(gallery, folder):
+def test_each_line_is_written_in_one_piece(gallery):
+    folder = "." + "/." * 2030
     gallery.add("line\nfeed.jpg", content=jpeg(300, 200, depth=3)[:-1])
     ours, theirs = socket.socketpair(socket.AF_UNIX, socket.SOCK_SEQPACKET)  # keeps pieces apart
     with theirs:
-        gallery.run(folder, output=theirs)
+        gallery.run(folder, stdout=theirs)
     pieces = [piece.decode() for piece in iter(lambda: ours.recv(9999), b"")]
     assert pieces == [
         f"Reading {folder}/line\nfeed.jpg\n",

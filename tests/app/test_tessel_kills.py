@@ -1,58 +1,51 @@
 """Runs that are killed, or two at once: the next one leaves what one alone would have left."""
 
-import itertools
 import shutil
 
 import pytest
 
-TRACE = ["strace", "-o", "/dev/null"]
-NAMES = ["a.jpg", "b.jpg", "c.jpg"]
+from support.gallery import end_of
 
 
 @pytest.fixture
-def gone(gallery):
-    """A gallery that isn't made yet, with a record of a picture that is gone."""
-    gallery.add(*NAMES)
-    start_anew(gallery)
-    return gallery
+def unmake(gallery):
+    """Takes back what runs have made of a gallery. A record of a picture that is gone is left."""
+    gallery.add("a.jpg", "b.jpg", "c.jpg")
+
+    def unmake():
+        shutil.rmtree(gallery.thumbs, ignore_errors=True)
+        gallery.page.unlink(missing_ok=True)
+        gallery.thumbs.mkdir()
+        gallery.database.write_text("gone.jpg\t7\n")
+
+    return unmake
 
 
-def start_anew(gallery):
-    shutil.rmtree(gallery.thumbs, ignore_errors=True)
-    gallery.page.unlink(missing_ok=True)
-    gallery.thumbs.mkdir()
-    gallery.database.write_text("gone.jpg\t7\n")
+@pytest.fixture
+def expected(gallery, unmake):
+    """What one run leaves."""
+    unmake()
+    gallery.run()
+    return gallery.state()
 
 
 # Calls by what their names begin with, as that is the same on every machine.
 @pytest.mark.native
 @pytest.mark.parametrize("call", ["open", "mkdir", "write", "fchmod", "close", "rename", "rmdir"])
-def test_after_a_kill_at_any_change_the_next_run_makes_all_good(gone, need, call):
-    need("strace")
-    if gone.program.run(prefix=TRACE).status != 0:
-        pytest.skip("nothing can be traced here")
-    gone.run()
-    expected = gone.state()
-    for number in itertools.count(1):
-        start_anew(gone)
-        kill = f"inject=/^{call}:signal=KILL:when={number}"
-        killed = gone.run(prefix=[*TRACE, "-e", kill])
-        if killed.status == 0:
-            break
-        assert killed.status == "SIGKILL", killed.output
-        assert gone.records().get("gone.jpg") == 7, f"killed at {call} {number}"
-        gone.run()
-        assert gone.state() == expected, f"killed at {call} {number}"
-    assert number > 1, f"nothing was killed: {killed.output}"
+def test_after_a_kill_at_any_change_the_next_run_makes_all_good(
+    gallery, unmake, expected, killed, call
+):
+    for where in killed(call, gallery.run, unmake):
+        assert gallery.records().get("gone.jpg") == 7, where
+        gallery.run()
+        assert gallery.state() == expected, where
 
 
-def test_two_runs_at_once_and_a_third_end_like_one(gone):
-    gone.run()
-    expected = gone.state()
+def test_two_runs_at_once_and_a_third_end_like_one(gallery, unmake, expected):
     for _ in range(20):
-        start_anew(gone)
-        runs = [gone.program.start(".", folder=gone.folder) for _ in range(2)]
+        unmake()
+        runs = [gallery.program.start(".", folder=gallery.folder) for _ in range(2)]
         for run in runs:
-            run.communicate(timeout=300)
-        gone.run()
-        assert gone.state() == expected
+            end_of(run)
+        gallery.run()
+        assert gallery.state() == expected

@@ -1,8 +1,5 @@
 """What a later run makes again, and what it leaves as it is."""
 
-import os
-import resource
-
 import pytest
 
 LONGS_OF_32_AND_64_BITS = (2**31 - 1, 2**33)
@@ -19,14 +16,11 @@ def made(gallery):
 
 def test_a_run_with_nothing_to_do_changes_and_says_nothing(made):
     before = made.state()
-    outcome = made.run()
-    assert outcome.output == ""
+    assert made.run().output == ""
     assert made.state() == before
 
 
-@pytest.mark.parametrize(
-    "time", [-199999, 0, 1000001, 2**33], ids=["a second", "zero", "later than any", "after 2038"]
-)
+@pytest.mark.parametrize("time", [-199999, 2**33], ids=["a second later", "after 2038"])
 def test_a_later_picture_is_made_once_more(made, time):
     made.add("b.jpg", time=time)
     assert made.run().tried == ["b.jpg"]
@@ -88,57 +82,18 @@ def test_a_name_that_no_record_can_hold_is_made_in_every_run(gallery, name):
     assert gallery.run().output.endswith(f"Writing ./tessel/{name}\n")
 
 
-# Records are found by eight characters at a time behind what all names have in common.
-RELATED_NAMES = ["tog", "together", "together 1", "together 1.jpg", "together 12345678"]
-RELATED_NAMES += ["together 123456789", os.fsdecode(b"tog\xff"), "tog\x7f"]
-RELATED_NAMES += [f"together 1234{letter}" for letter in "abcdefghij"]
-
-
-@pytest.mark.parametrize("name", RELATED_NAMES, ids=ascii)
-def test_each_of_related_names_has_its_own_record(gallery, name):
-    gallery.add(*(f"{related}.jpg" for related in RELATED_NAMES), time=5)
-    gallery.run()
-    with gallery.database.open("a") as database:
-        database.write("a\t9\ntogether 1\t9\ntogether 12345678\t9\nz\t9\n")
-    gallery.add(f"{name}.jpg", time=6)
-    assert gallery.run().tried == [f"{name}.jpg"]
-    assert gallery.run().tried == []
-
-
-def repeated(text):
-    return (text * (50_000_000 // len(text) + 1))[:50_000_000]
-
-
 @pytest.mark.slow
 @pytest.mark.parametrize(
-    "content",
-    [
-        b"\0" * 50_000_000,
-        b"\t" * 50_000_000,
-        b"9" * 50_000_000,
-        b"\n" * 50_000_000,
-        repeated(b"x.jpg 9\n"),
-        b"".join(b"%d.jpg\t1\n" % number for number in range(1_000_000)),
-    ],
-    ids=["zeros", "TABs", "one name", "empty lines", "lines without a TAB", "records"],
+    "text",
+    [b"\0", b"\t", b"\n", b"x.jpg 9\n"],
+    ids=["zeros", "TABs", "empty lines", "lines without a TAB"],
 )
-def test_a_large_file_of_anything_is_read_as_a_database(gallery, content):
+def test_a_large_file_of_anything_is_read_as_a_database(gallery, text):
     gallery.add("x.jpg")
     gallery.thumbs.mkdir()
-    gallery.database.write_bytes(content)
+    gallery.database.write_bytes(text * (50_000_000 // len(text)))
     gallery.run()
     assert gallery.good_thumbs() == ["x.jpg"]
     healed = gallery.database.read_bytes()
     assert gallery.run().tried == []
     assert gallery.database.read_bytes() == healed
-
-
-@pytest.mark.slow
-@pytest.mark.native
-def test_a_hundred_thousand_entries_are_done_on_a_small_stack(gallery):
-    gallery.add("last.jpg")
-    gallery.add(*(f"{number}.jpg" for number in range(100_000)), content=b"")
-    gallery.run(limits={resource.RLIMIT_STACK: 256 * 1024})
-    assert gallery.good_thumbs() == ["last.jpg"]
-    assert gallery.has_whole_page()
-    assert len(gallery.records()) == 100_001

@@ -17,7 +17,7 @@ FACTS = [
     ("app/GalleryLayout.h", r'kThumbFolder = "(.+)"'),
     ("app/GalleryLayout.h", r'kDbaseFile = "(.+)"'),
     ("app/GalleryLayout.h", r"kDefaultThumbSize = (\d+)"),
-    ("app/ReplaceFile.cpp", r'return path \+ "(.+)";'),
+    ("app/ReplaceFile.h", r'kDraftSuffix = "(.+)"'),
     ("jpeg/CGraflibJpeg.h", r"mQuality = (\d+)"),
     ("jpeg/CGraphicsJpeg.h", r"kMaxPixelsPerByte = (\d+)"),
     ("jpeg/CGraphicsJpeg.h", r"kMaxScans = (\d+)"),

@@ -2,6 +2,8 @@
 
 import re
 
+import pytest
+
 from support.gallery import PROJECT
 from support.pages import blocks_of
 
@@ -23,6 +25,7 @@ def test_tessel_writes_what_the_table_says(reader):
     assert (reader.photos / "galleries.html").exists()
 
 
+@pytest.mark.slow
 def test_what_is_built_and_installed_by_its_commands_runs(reader, need):
     need("apt-get")
     for entry in PROJECT.iterdir():

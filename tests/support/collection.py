@@ -100,11 +100,10 @@ def workers_of(process):
 def is_running(pid):
     """False for a process that has ended, though its parent may not know yet."""
     try:
-        return (
-            pathlib.Path(f"/proc/{pid}/stat").read_text().rpartition(")")[2].split()[0] not in "ZX"
-        )
+        status = pathlib.Path(f"/proc/{pid}/stat").read_text()
     except OSError:
         return False
+    return status.rpartition(") ")[2][0] not in "ZX"
 
 
 def has_open(pid, name):
@@ -126,7 +125,5 @@ def stop_worker(process, name):
                 return pid
 
     pid = wait_for(stop, f"a worker reads {name}")
-    assert has_open(
-        pid, name
-    ), f"{name} is too small: it was done before the worker could be stopped"
+    assert has_open(pid, name), f"{name} is too small: the worker was done with it"
     return pid

@@ -1,11 +1,9 @@
 """What the tests of the programs share: runs of a program, galleries, and what is in folders."""
 
-import contextlib
 import dataclasses
 import hashlib
 import os
 import pathlib
-import resource
 import signal
 import socket
 import stat
@@ -21,11 +19,7 @@ AWKWARD_NAMES = {
     "TAB": b"\t",
     "line feed": b"\n",
     "carriage return": b"\r",
-    "control characters": b"\1\177",
-    "percent": b"%41",
-    "number sign": b"#?",
-    "markup": b"<b>",
-    "entity": b"&amp",
+    "marks of pages and addresses": b"<b>&amp#?%41",
     "option": b"-tsize",
     "nothing before the dot": b"",
     "invalid UTF-8": b"\xff\xfe",
@@ -47,27 +41,6 @@ class Outcome:
         """The pictures that the run made or tried, in alphabetical order."""
         lines = self.output.splitlines()
         return sorted(line.rpartition("/")[2] for line in lines if line.startswith("Reading "))
-
-
-def under(limits, closed, user, umask):
-    """A function that puts a process under these circumstances before it becomes the program."""
-
-    def prepare():
-        for descriptor in range(3, 256):  # which count where descriptors are limited
-            with contextlib.suppress(OSError):
-                os.set_inheritable(descriptor, False)
-        if umask is not None:
-            os.umask(umask)
-        if user is not None:
-            os.setgroups([])
-            os.setgid(user)
-            os.setuid(user)
-        for kind, value in limits.items():
-            resource.setrlimit(kind, (value, value))
-        for descriptor in closed:
-            os.close(descriptor)
-
-    return prepare
 
 
 def do(*command, folder=None, **environment):
@@ -103,28 +76,20 @@ class Program:
     def __init__(self, words):
         self.words = words
 
-    def start(
-        self,
-        *arguments,
-        folder=None,
-        prefix=(),
-        output=subprocess.PIPE,
-        environment={},
-        **circumstances,
-    ):
-        """Starts a run in a folder, behind the words of `prefix`, with more variables in its
-        environment. Of circumstances there are `limits`, as resource.setrlimit takes them, `closed`
-        descriptors, a `user` and a `umask`."""
-        every = {"limits": {}, "closed": (), "user": None, "umask": None} | circumstances
-        return subprocess.Popen(
-            [*prefix, *self.words, *arguments],
-            cwd=folder,
-            env=os.environ | environment,
-            stdin=subprocess.DEVNULL,
-            stdout=output,
-            stderr=subprocess.STDOUT,
-            preexec_fn=under(**every) if circumstances else None,
-        )
+    def start(self, *arguments, folder=None, prefix=(), limits={}, closed=(), **circumstances):
+        """Starts a run in a folder, behind the words of `prefix`, under `limits` by the names that
+        prlimit has for them, with `closed` descriptors. Other circumstances are those of
+        subprocess.Popen, such as a `user`, a `umask` and `stdout`."""
+
+        def close():
+            for descriptor in closed:
+                os.close(descriptor)
+
+        limited = [f"--{what}={limit}" for what, limit in limits.items()]
+        command = [*prefix, *(["prlimit", *limited] if limits else []), *self.words, *arguments]
+        every = {"stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE, "preexec_fn": close}
+        every |= circumstances
+        return subprocess.Popen(command, cwd=folder, stderr=subprocess.STDOUT, **every)
 
     def run(self, *arguments, **circumstances):
         with self.start(*arguments, **circumstances) as process:

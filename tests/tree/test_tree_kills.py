@@ -2,7 +2,7 @@
 
 import contextlib
 import fcntl
-import itertools
+import functools
 import os
 import shutil
 import signal
@@ -11,8 +11,6 @@ import pytest
 
 from support.collection import is_running, stop_worker, wait_for, workers_of
 from support.gallery import end_of, jpeg
-
-TRACE = ["strace", "-o", "/dev/null"]
 
 
 @contextlib.contextmanager
@@ -39,16 +37,6 @@ def with_large(collection, large):
     collection.add("z/a.jpg")
     collection.add("z/large.jpg", content=large)
     return collection
-
-
-@pytest.mark.parametrize("count", [1, 12, 30])
-def test_what_a_run_leaves_that_is_killed_after_some_thumbnails_is_completed(with_large, count):
-    with with_large.started("-j", "2") as run:
-        wait_for(lambda: len(with_large.thumbs()) >= count, f"{count} thumbnails")
-        run.kill()
-    assert run.returncode == -signal.SIGKILL
-    assert with_large.run().status == 0
-    assert with_large.state() == with_large.plain()
 
 
 def test_no_worker_of_a_killed_run_writes_over_what_the_next_one_has_made(with_large):
@@ -146,36 +134,29 @@ def test_a_lock_that_stays_is_waited_for_a_minute(collection):
     assert 'href="locked/gallery.html"' in (collection.folder / "galleries.html").read_text()
 
 
-def make_old(collection):
-    """Puts old pages and databases into a collection, and no thumbnails."""
-    collection.add("x.jpg", "album/y.jpg", "album/z.jpg")
-    for page in "index.html", "album/index.html":
-        tessel = (collection.folder / page).parent / "tessel"
-        shutil.rmtree(tessel, ignore_errors=True)
-        collection.add(page, content=b"old")
-        collection.add(
-            page.replace("index.html", "tessel/tesselbase.txt"), content=b"gone.jpg\t7\n"
-        )
+@pytest.fixture
+def unmake(collection):
+    """Takes back what runs have made of a collection. Old pages and databases are left."""
+
+    def unmake():
+        for gallery in collection.folder, collection.folder / "album":
+            shutil.rmtree(gallery / "tessel", ignore_errors=True)
+        collection.add("x.jpg", "album/y.jpg", "album/z.jpg")
+        collection.add("index.html", "album/index.html", content=b"old")
+        databases = ["tessel/tesselbase.txt", "album/tessel/tesselbase.txt"]
+        collection.add(*databases, content=b"gone.jpg\t7\n")
+
+    return unmake
 
 
 # Calls by what their names begin with, as that is the same on every machine.
 @pytest.mark.slow
 @pytest.mark.native
 @pytest.mark.parametrize("call", ["open", "mkdir", "write", "flock", "fchmod", "rename", "rmdir"])
-def test_after_a_kill_at_any_change_the_next_run_makes_all_good(collection, need, call):
-    need("strace")
-    if collection.tree.run("--version", prefix=TRACE).status != 0:
-        pytest.skip("nothing can be traced here")
-    make_old(collection)
+def test_after_a_kill_at_any_change_the_next_run_makes_all_good(collection, unmake, killed, call):
+    unmake()
     expected = collection.plain()
-    for number in itertools.count(1):
-        make_old(collection)
-        kill = f"inject=/^{call}:signal=KILL:when={number}"
-        killed = collection.run("-j", "1", prefix=[*TRACE, "-e", kill])
-        if killed.status == 0:
-            break
-        assert killed.status == "SIGKILL", killed.output
-        assert "gone.jpg" in collection.records("album"), f"killed at {call} {number}"
+    for where in killed(call, functools.partial(collection.run, "-j", "1"), unmake):
+        assert "gone.jpg" in collection.records("album"), where
         collection.run()
-        assert collection.state() == expected, f"killed at {call} {number}"
-    assert number > 1, f"nothing was killed: {killed.output}"
+        assert collection.state() == expected, where

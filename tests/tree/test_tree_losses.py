@@ -1,14 +1,13 @@
 """What no run may lose: originals, records, thumbnails, and what isn't the gallery's."""
 
 import os
-import resource
 
 import pytest
 
-from support.gallery import describe, jpeg, make_socket, state_of
+from support.gallery import describe, jpeg
 
 FILES = ["index.html", "gallery.html", "galleries.html", "tessel/tesselbase.txt", "tessel/x.jpg"]
-LITTLE_ROOM = {resource.RLIMIT_FSIZE: 8192}
+LITTLE_ROOM = {"fsize": 8192}
 
 
 def test_prune_removes_thumbnails_and_records_of_pictures_that_are_gone(collection):
@@ -40,12 +39,6 @@ def test_prune_leaves_what_is(collection, record, file):
     assert (collection.folder / file).read_bytes() == collection.picture
 
 
-def test_prune_leaves_an_album_that_is_named_as_the_thumbnail_folder(collection):
-    collection.add("a.jpg", "tessel/original.jpg")
-    collection.run("--prune")
-    assert (collection.folder / "tessel/original.jpg").read_bytes() == collection.picture
-
-
 def test_prune_removes_nothing_through_a_link(collection, elsewhere):
     collection.add("a.jpg", "gone.jpg")
     collection.link("tessel", elsewhere)
@@ -56,43 +49,14 @@ def test_prune_removes_nothing_through_a_link(collection, elsewhere):
 
 
 @pytest.mark.parametrize("file", FILES)
-@pytest.mark.parametrize(
-    "put",
-    [
-        pytest.param(lambda path, _: os.mkfifo(path), id="FIFO"),
-        pytest.param(lambda path, _: make_socket(path), id="socket"),
-        pytest.param(lambda path, file: path.symlink_to(file), id="link"),
-        pytest.param(lambda path, file: path.hardlink_to(file), id="hard link"),
-    ],
-)
-def test_a_new_file_replaces(collection, elsewhere, put, file):
+def test_a_folder_in_the_way_loses_that_file_alone_and_is_said(collection, file):
     collection.add("x.jpg")
-    collection.run("--page")
-    expected = collection.state()
-    (elsewhere / "file").write_text("outside")
-    (collection.folder / file).unlink()
-    put(collection.folder / file, elsewhere / "file")
-    outcome = collection.run("--page", "--remake")
-    assert collection.state() == expected
-    assert (elsewhere / "file").read_text() == "outside"
-    assert outcome.status == 0
-
-
-@pytest.mark.parametrize("file", FILES)
-def test_a_folder_in_the_way_is_said_and_what_it_kept_is_written_later(collection, file):
-    collection.add("x.jpg")
-    collection.run("--page")
-    expected = collection.state()
-    (collection.folder / file).unlink()
-    (collection.folder / file).mkdir()
-    outcome = collection.run("--page", "--remake")
+    (collection.folder / file).mkdir(parents=True)
+    outcome = collection.run("--page")
     written = [name for name in FILES if (collection.folder / name).is_file()]
     assert written == [name for name in FILES if name != file]
     assert os.path.basename(file).replace("tesselbase.txt", "the database") in outcome.output
     assert outcome.status == 1
-    (collection.folder / file).rmdir()
-    collection.run("--page")
-    assert collection.state() == expected
 
 
 def test_a_thumbnail_that_doesnt_fit_is_named_and_the_older_one_stays(collection):
@@ -113,12 +77,11 @@ def test_a_thumbnail_that_doesnt_fit_is_named_and_the_older_one_stays(collection
 def test_pages_and_a_database_that_dont_fit_leave_the_old_ones(collection):
     collection.add(*(f"{number:0100}.jpg" for number in range(100)), content=jpeg(2, 2))
     collection.run("--page")
-    before = collection.state()
+    long = "index.html", "gallery.html", "tessel/tesselbase.txt"
+    before = [describe(collection.folder / name) for name in long]
     collection.add("new.jpg", content=jpeg(2, 2))
     outcome = collection.run("--page", limits=LITTLE_ROOM)
-    after = {name: what for name, what in collection.state().items() if "new.jpg" not in name}
-    after["galleries.html"] = before["galleries.html"]  # which is short enough
-    assert after == before
+    assert [describe(collection.folder / name) for name in long] == before
     assert outcome.output.splitlines()[1:] == [
         "Not finished:",
         f"  {collection.folder}: gallery.html can't be written",
@@ -128,14 +91,6 @@ def test_pages_and_a_database_that_dont_fit_leave_the_old_ones(collection):
     assert outcome.status == 1
     collection.run("--page")
     assert "new.jpg" in collection.records()
-
-
-def test_the_environment_changes_nothing(collection):
-    collection.add("x.jpg", "album/y.jpg")
-    strange = {"TMPDIR": "/none", "HOME": "/none", "PARALLEL": "--tag --dry-run"}
-    outcome = collection.run(environment=strange)
-    assert outcome.output == "2 galleries, 2 pictures, 2 thumbnails made\n"
-    assert collection.state() == collection.plain()
 
 
 def test_what_a_user_may_not_change_is_named_and_stays_on_the_page_of_galleries(

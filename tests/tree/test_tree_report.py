@@ -44,7 +44,7 @@ def test_a_later_run_still_names_what_has_no_thumbnail(collection):
 def test_a_terminal_shows_how_far_the_run_is_and_then_the_report(collection):
     collection.add("x.jpg", "album/y.jpg", "album/z.jpg")
     ours, theirs = pty.openpty()
-    collection.run(output=theirs)
+    collection.run(stdout=theirs)
     shown = os.read(ours, 65536).decode()
     os.close(theirs)
     os.close(ours)
