@@ -55,6 +55,15 @@ def test_a_database_stays_for_which_this_fails(made, failing, call):
     assert made.state() == before
 
 
+def test_a_thumbnail_stays_where_the_new_one_is_longer_than_a_file_can_hold(gallery):
+    gallery.add("wide.jpg", content=jpeg(2000, 1))
+    gallery.run()
+    before = (gallery.thumbs / "wide.jpg").read_bytes()
+    gallery.database.unlink()
+    gallery.run("-tsize", "65501", ".")
+    assert (gallery.thumbs / "wide.jpg").read_bytes() == before
+
+
 def test_a_database_that_memory_doesnt_do_for_stays(made):
     text = "".join(f"{number}.jpg\t1\n" for number in range(1_500_000))
     made.database.write_text(text)
