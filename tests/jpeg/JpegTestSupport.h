@@ -7,20 +7,6 @@
 #include "jpeg/CGraphicsJpeg.h"
 #include "tests/support/TestSupport.h"
 
-/// Whether two contents, too long to be printed, are the same; where they differ, if not.
-template <typename Tfound, typename Texpected>
-testing::AssertionResult AreSame(const Tfound& found, const Texpected& expected)
-{
-    if (found.size() != expected.size())
-        return testing::AssertionFailure()
-               << found.size() << " bytes, expected " << expected.size();
-    const auto [at, wanted] = std::mismatch(found.begin(), found.end(), expected.begin());
-    if (at == found.end())
-        return testing::AssertionSuccess();
-    return testing::AssertionFailure()
-           << "byte " << at - found.begin() << " is " << int{*at} << ", expected " << int{*wanted};
-}
-
 /// The pixels of a picture, decoded with libjpeg's defaults.
 inline Bytes DecodeJpeg(const std::string& jpeg)
 {

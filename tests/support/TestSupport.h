@@ -34,6 +34,20 @@ using Sizes = std::array<int, 4>;         ///< width and height before and after
 
 // --- Contents ------------------------------------------------------------------------------------
 
+/// Whether two contents, too long to be printed, are the same; where they differ, if not.
+template <typename Tfound, typename Texpected>
+testing::AssertionResult AreSame(const Tfound& found, const Texpected& expected)
+{
+    if (found.size() != expected.size())
+        return testing::AssertionFailure()
+               << found.size() << " bytes, expected " << expected.size();
+    const auto [at, wanted] = std::mismatch(found.begin(), found.end(), expected.begin());
+    if (at == found.end())
+        return testing::AssertionSuccess();
+    return testing::AssertionFailure()
+           << "byte " << at - found.begin() << " is " << int{*at} << ", expected " << int{*wanted};
+}
+
 inline std::string ReadAll(const std::string& path)
 {
     std::ostringstream content;
