@@ -120,3 +120,12 @@ def test_names_are_printed_without_control_characters(collection):
         outcome = collection.run(*words)
         assert "?[31m??2J" in outcome.output
         assert outcome.output.replace("\n", "").isprintable()
+
+
+def test_no_log_is_appended_to_a_picture_that_a_link_leads_to(collection, elsewhere):
+    collection.add("x.jpg")
+    (elsewhere / "log").symlink_to(collection.folder / "x.jpg")
+    before = collection.state()
+    outcome = collection.run("--log", elsewhere / "log")
+    assert outcome.status == 1
+    assert collection.state() == before
