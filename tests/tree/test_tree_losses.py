@@ -15,6 +15,7 @@ def test_prune_removes_thumbnails_and_records_of_pictures_that_are_gone(collecti
     collection.run()
     collection.remove("album/gone.jpg")
     collection.remove("all/gone.jpg")
+    (collection.folder / "all/tessel/gone.jpg").unlink()
     outcome = collection.run("--prune")
     assert collection.thumbs() == ["album/tessel/there.jpg"]
     assert collection.records("album") == ["there.jpg"]
