@@ -106,6 +106,14 @@ def test_remake_makes_all_again_but_keeps_an_older_thumbnail_where_it_cant(made)
     assert outcome.output.startswith("2 galleries, 3 pictures, 2 thumbnails made\n")
 
 
+def test_the_page_of_galleries_shows_the_first_picture_with_a_thumbnail(collection):
+    collection.add("album/1.jpg", content=b"text")
+    collection.add("album/2.jpg", "album/3.jpg")
+    collection.run("--page")
+    page = (collection.folder / "galleries.html").read_text()
+    assert re.findall(r'src="(.*?)"', page) == ["album/tessel/2.jpg"]
+
+
 def test_the_log_keeps_what_plain_runs_print_picture_by_picture(collection):
     collection.add(*(f"{number}/{number}.jpg" for number in range(9)))
     collection.add("cut/cut.jpg", content=collection.picture[:-20])

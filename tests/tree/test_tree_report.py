@@ -30,6 +30,14 @@ def test_the_end_of_a_run_says_what_was_made_and_names_what_wasnt(collection):
     assert outcome.status == 1
 
 
+def test_what_goes_wrong_twice_is_said_once(collection, work):
+    outcome = collection.run(work / "missing", work / "missing")
+    assert outcome.output == (
+        "0 galleries, 0 pictures, 0 thumbnails made\n"
+        f"Not finished:\n  {work}/missing: No such file or directory\n"
+    )
+
+
 def test_a_later_run_still_names_what_has_no_thumbnail(collection):
     collection.add("x.jpg", content=b"text")
     collection.run()
