@@ -114,6 +114,16 @@ def test_the_page_of_galleries_shows_the_first_picture_with_a_thumbnail(collecti
     assert re.findall(r'src="(.*?)"', page) == ["album/tessel/2.jpg"]
 
 
+def test_each_folder_named_gets_a_page_of_its_own_galleries(collection, elsewhere):
+    collection.add("album/x.jpg")
+    (elsewhere / "other").mkdir()
+    (elsewhere / "other/x.jpg").write_bytes(collection.picture)
+    collection.run("--page", elsewhere)
+    pages = [folder / "galleries.html" for folder in (collection.folder, elsewhere)]
+    links = [re.findall(r'href="(.*?)"', page.read_text()) for page in pages]
+    assert links == [["album/gallery.html"], ["other/gallery.html"]]
+
+
 def test_the_log_keeps_what_plain_runs_print_picture_by_picture(collection):
     collection.add(*(f"{number}/{number}.jpg" for number in range(9)))
     collection.add("cut/cut.jpg", content=collection.picture[:-20])
