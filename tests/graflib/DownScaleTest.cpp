@@ -28,6 +28,7 @@ TEST(Scalers, RoundOrCutTheMeansOfSmallPictures)
         {"halves", {2, 2, 8}, {10, 11, 10, 11}, 1, {11}, {10}},
         {"partly covered", {3, 1, 8}, {0, 100, 200}, 2, {33, 167}, {33, 166}},
         {"enlarged", {2, 1, 8}, {0, 90}, 3, {0, 45, 90}, {0, 45, 89}},
+        {"many white rows", {1, 300, 8}, Bytes(300, 255), 1, {255}, {255}},
         {"colours", {6, 1, 24}, kRamp, 1, {6, 8, 10}, {6, 8, 10}},
         {"16 bits", {2, 1, 16}, Shorts({255, 258}), 1, Shorts({257}), Shorts({256})},
         {"half below 0", {2, 1, 16}, Shorts({-1, 0}), 1, Shorts({0}), Shorts({0})},

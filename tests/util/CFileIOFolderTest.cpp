@@ -54,7 +54,7 @@ TEST_F(CFileIOFolderTest, ResolveWildCardMatchesTheEndsOfNames)
 {
     const std::pair<const char*, Names> rows[] = {
         {"*.jpg", {".jpg", "B.JPG", "a.jpg", "f.Jpg"}},
-        {"JPG", {".jpg", "B.JPG", "a.jpg", "f.Jpg", "jpg"}},
+        {".JPG", {".jpg", "B.JPG", "a.jpg", "f.Jpg"}},
         {"*", {".", "..", ".jpg", "B.JPG", "a.jpg", "e.jpg.bak", "f.Jpg", "jpg"}},
         {"**.jpg", {}}};
     for (const auto& [pattern, matches] : rows) {

@@ -185,7 +185,9 @@ TEST_F(CFileIOTest, ReadBytesIsTrueForShortReadsToo)
 {
     OpenHolding("ab");
     char bytes[8] = {};
+    const bool isNothingRead = mIO.ReadBytes(bytes, 0);
     const bool isRead = mIO.ReadBytes(bytes, 7);
+    EXPECT_TRUE(isNothingRead);
     EXPECT_TRUE(isRead);
     EXPECT_STREQ(bytes, "ab");
     EXPECT_TRUE(mIO.IsEof());
