@@ -21,6 +21,17 @@ TEST_F(ReplaceFileTest, WithoutRoomANewFileIsRemoved)
     EXPECT_TRUE(fs::is_empty(mFolder));
 }
 
+TEST_F(ReplaceFileTest, AShorterFileIsOverwrittenWhereSomebodysFileForbidsDrafts)
+{
+    const std::string inTheWay = DraftFolderOf(mFile);
+    WriteAll(inTheWay, "somebody's");
+    WriteAll(mFile, "the old text");
+    const bool isReplaced = ReplaceFile(mFile, "new");
+    EXPECT_TRUE(isReplaced);
+    EXPECT_EQ(ReadAll(mFile), "new");
+    EXPECT_EQ(ReadAll(inTheWay), "somebody's");
+}
+
 TEST_F(ReplaceFileTest, OnlyAFileOfJustThisTextHasItAsContents)
 {
     const std::string piece(65536, 'p');  // as much as is compared at a time

@@ -26,6 +26,7 @@ def test_five_descriptors_do_for_any_number_of_pictures(many):
 
 @pytest.mark.parametrize("closed", [[1], [0, 1, 2]], ids=["output", "input, output and error"])
 def test_closed_standard_descriptors_change_no_file(many, closed):
+    many.add("cut.jpg", content=many.picture[:-2])  # of which standard error is told
     many.run()
     before = many.state()
     many.database.unlink()

@@ -76,7 +76,9 @@ def made(collection):
 
 
 @pytest.mark.parametrize(
-    "content", [None, b"", b"text", jpeg(193, 128)], ids=["missing", "empty", "text", "too large"]
+    "content",
+    [None, b"", b"text", jpeg(193, 128), jpeg(191, 128)],
+    ids=["missing", "empty", "text", "too large", "too small"],
 )
 def test_repair_makes_again_a_thumbnail_that_is(made, content):
     before = made.state()
