@@ -60,8 +60,9 @@ TEST_P(CWorkerPoolTest, EachTaskComesBackWithWhatItPrintedAlsoFromAWorkerThatEnd
         SCOPED_TRACE(request);
         const auto end = ends.find(request);
         const std::string more = request == "much" ? kMuch + "\n" : "";
-        const bool isPrinted = result.mPrinted == "out " + request + "\nerr\n" + more;
-        EXPECT_TRUE(isPrinted) << result.mPrinted.substr(0, 100);
+        const std::string printed = "out " + request + "\nerr\n" + more;
+        EXPECT_EQ(result.mPrinted.substr(0, 100), printed.substr(0, 100));
+        EXPECT_EQ(result.mPrinted.size(), printed.size());
         EXPECT_EQ(result.mReply, end == ends.end() ? "done " + request : "");
         EXPECT_EQ(result.mEnd, end == ends.end() ? "" : end->second);
     }
