@@ -177,6 +177,7 @@ def jpeg(width, height, *options, depth=1, samples=None):
 
 def pixels_of(path):
     """Width, height and samples of a picture, as djpeg reads it."""
+    assert path.is_file(), f"there is no {path}"
     picture = subprocess.run(["djpeg", path], stdout=subprocess.PIPE, check=True).stdout
     _, width, height, rest = picture.split(maxsplit=3)
     return int(width), int(height), rest.partition(b"\n")[2]
