@@ -7,7 +7,10 @@ from support.gallery import PROJECT, do
 COMPLETION = PROJECT / "app/tessel.bash-completion"
 
 # Prints a line for each completion of the last of the words that follow.
-COMPLETE = 'source "$0"; COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)); _tessel; printf "%s\\n" "${COMPREPLY[@]}"'
+COMPLETE = (
+    'source "$0"; COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)); '
+    '_tessel; printf "%s\\n" "${COMPREPLY[@]}"'
+)
 
 SIZES = ["96", "128", "192", "256", "384", "512"]
 
